@@ -1,0 +1,28 @@
+# What every target here shares: its warnings, and what keeps its numbers the same.
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+# The same bits from every compiler and optimisation level: no fused multiply-add.
+add_library(sstr_numbers INTERFACE)
+target_compile_options(sstr_numbers INTERFACE -ffp-contract=off)
+
+add_library(sstr_warnings INTERFACE)
+target_compile_options(sstr_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion
+  $<$<BOOL:${SSTR_WARNINGS_AS_ERRORS}>:-Werror>)
+
+# One line a test program: sstr_test(NAME SOURCES... LIBRARIES...), registered with ctest test by test.
+function(sstr_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 T "" "" "SOURCES;LIBRARIES")
+  if(NOT T_SOURCES)
+    set(T_SOURCES ${name}.cpp)
+  endif()
+  add_executable(${name} ${T_SOURCES})
+  target_link_libraries(${name} PRIVATE ${T_LIBRARIES} sstr_test_support sstr_numbers sstr_warnings GTest::gmock_main)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+endfunction()
