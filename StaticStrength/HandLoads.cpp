@@ -1,0 +1,54 @@
+// Hand loads.
+#include "HandLoads.h"
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <locale.h>
+
+namespace {
+
+// In force for the calling thread while it lives: numbers have a decimal point.
+class PointNumbers {
+public:
+    PointNumbers()
+    {
+        static const locale_t pointLocale = newlocale(LC_ALL_MASK, "C", nullptr);
+        callers = uselocale(pointLocale);
+    }
+    ~PointNumbers() { uselocale(callers); }
+    PointNumbers(const PointNumbers&) = delete;
+    PointNumbers& operator=(const PointNumbers&) = delete;
+
+private:
+    locale_t callers;
+};
+
+// Reads a text property of the figure; null unless it is there and a text.
+char* readText(const qcFigure* figure, const char* key, qcValue& value)
+{
+    char* text = nullptr;
+    return figure && figure->getProperty(key, &value) && value.get(text) ? text : nullptr;
+}
+
+}   // namespace
+
+qVector readHandLoad(const qcFigure* figure, qcSide hand)
+{
+    qcValue value;
+    const char* text = readText(figure, hand == qcRight ? "RightZelHandLoads" : "LeftZelHandLoads", value);
+    float x = kNoHandLoad, y = 0.0f, z = 0.0f;
+    int count = 0;
+    if (text) {
+        const PointNumbers inForce;
+        count = std::sscanf(text, "%f %f %f", &x, &y, &z);
+    }
+    return count == 1 ? qVector(0.0f, x, 0.0f) : qVector(x, y, z);
+}
+
+int readHandLoadLocal(const qcFigure* figure, qcSide hand)
+{
+    qcValue value;
+    const char* text = readText(figure, hand == qcRight ? "RightZelHandLoadsLocal" : "LeftZelHandLoadsLocal", value);
+    return text ? std::atoi(text) : 0;
+}

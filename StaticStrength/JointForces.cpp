@@ -1,0 +1,332 @@
+// Joint forces: the walk that sums what the body beyond each joint puts on it, and the stored results.
+#include "Diagnostics.h"
+#include "FigureParts.h"
+#include "ForceMoment.h"
+#include "HandLoads.h"
+#include "LoadValues.h"
+#include "OffsetLoadIndex.h"
+#include "SavedLists.h"
+#include "SupportSplit.h"
+#include "TorqueValues.h"
+#include "Units.h"
+#include "qmStaticStrength.h"
+
+#include "qc/qcMessages.h"
+
+#include <cstring>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr double kNegligible = 0.01;    // kgf and N·m: at most this is "no result"
+constexpr float kPlaceholder = 1e-5f;   // N·m: stands for a negligible moment in a stored result
+
+}   // namespace
+
+qcValue* makeForceMomentValue(const qVector& force, const qVector& moment)
+{
+    ListBuilder list;
+    list.append(force);
+    list.append(moment);
+    return list.newList();
+}
+
+int decodeForceMomentValue(const qcValue& value, qVector& force, qVector& moment)
+{
+    const qcValue* forceElement = value.firstElement();
+    qVector storedForce, storedMoment;
+    qVector* forcePointer = &storedForce;
+    qVector* momentPointer = &storedMoment;
+    if (!forceElement || !forceElement->get(forcePointer) || !forceElement->next
+        || !forceElement->next->get(momentPointer))
+        return 0;
+    force = storedForce;
+    moment = storedMoment;
+    return 1;
+}
+
+int qmStaticStrength::getJointForces(qcJoint* joint, qVector& force, qVector& moment) const
+{
+    qcValue value;
+    if (joint && joint->getProperty(kForceMomentKey, &value))
+        return decodeForceMomentValue(value, force, moment);
+    force = moment = qVector();
+    return 0;
+}
+
+void qmStaticStrength::setFMonJoint(qcJoint* joint, const qVector& force, const qVector& moment)
+{
+    if (!joint)
+        return;
+    qcValue* value = makeForceMomentValue(force, moment);
+    joint->setProperty(kForceMomentKey, std::move(*value));
+    qcValue::destroy(value);
+}
+
+void qmStaticStrength::calcForcesAt(qVector& jointPos, qVector& point, qVector& f, qVector& sumForce,
+                                    qVector& sumMoment)
+{
+    sumForce.add(f);
+    // f × (joint - point) is (point - joint) × f
+    qVector arm = jointPos;
+    arm.sub(point);
+    qVector moment = f;
+    moment.cross(arm);
+    moment.scale(MOMENT_SCALE);
+    sumMoment.add(moment);
+}
+
+// What the stop segment's joint `other` contributes to the walk at `joint`: its share of a stored result.
+void qmStaticStrength::special_joint_forces(qcJointImp* other, qcJointImp* joint, qVector& force, qVector& moment)
+{
+    const float share = get_split_factor(joint, kStoredResult, other->getName());
+    if (share == 0.0f) {
+        force = moment = qVector();
+        return;
+    }
+    getJointForces(other, force, moment);
+    force.scale(share);
+    moment.scale(share);
+}
+
+// One walk. The tree may be as deep as memory allows: the joints between the root of the walk and
+// the present one stand in a list of frames, not on the call stack. Frames and index are kept from
+// walk to walk, so that a repeated walk allocates nothing.
+struct qmStaticStrength::Walk {
+    struct Frame {
+        qcJointImp* joint;
+        qcSegmentImp* segment;   // beyond the joint
+        bool stops;              // at this segment: the joints there are not walked
+        qVector jointPos;        // cm
+        qVector force, moment;   // sums at the joint
+        qList* site;             // the site at hand
+        qVector sitePos;         // cm
+        qList* next;             // the joint at that site that comes next
+    };
+
+    Walk(qmStaticStrength& owner, qcSegmentImp* stopSegment) : analysis(owner), stop(stopSegment)
+    {
+        frames.swap(spareFrames());
+        std::swap(index, spareIndex());
+        index.build(*owner.offsetLoads);
+    }
+    ~Walk()
+    {
+        frames.clear();
+        frames.swap(spareFrames());
+        std::swap(index, spareIndex());
+    }
+    Walk(const Walk&) = delete;
+    Walk& operator=(const Walk&) = delete;
+
+    int run(qcJointImp* joint, qcSiteImp* site, qVector& force, qVector& moment, int accumulate);
+
+private:
+    static std::vector<Frame>& spareFrames()
+    {
+        static std::vector<Frame> frames;
+        return frames;
+    }
+    static OffsetLoadIndex& spareIndex()
+    {
+        static OffsetLoadIndex index;
+        return index;
+    }
+
+    bool enter(qcJointImp* joint, qcSiteImp* site, const qVector& force, const qVector& moment);
+    static void goToSite(Frame& frame, qList* site);
+    void takeSiteLoads(Frame& frame);
+    void take(Frame& frame, qcSiteImp* site, qVector load, bool local, const qVector& offset);
+    void takeOffsetLoads(Frame& frame, qcSiteImp* site);
+    void takeWeight(Frame& frame);
+    void store(Frame& frame);
+    void reportFailure() const;
+
+    qmStaticStrength& analysis;
+    qcSegmentImp* stop;
+    std::vector<Frame> frames;
+    OffsetLoadIndex index;
+};
+
+int qmStaticStrength::compute_joint_forces(qcJointImp* joint, qcSiteImp* site, qVector& force, qVector& moment,
+                                           qcSegmentImp* stop, int accumulate)
+{
+    Walk walk(*this, stop);
+    return walk.run(joint, site, force, moment, accumulate);
+}
+
+int qmStaticStrength::Walk::run(qcJointImp* joint, qcSiteImp* site, qVector& force, qVector& moment, int accumulate)
+{
+    const qVector zero;
+    if (!enter(joint, site, accumulate ? force : zero, accumulate ? moment : zero))
+        return 0;
+
+    for (;;) {
+        Frame& frame = frames.back();
+
+        // every joint at the site, each with all that hangs on it, before the site's own loads
+        if (frame.next) {
+            qcSiteImp* here = static_cast<qcSiteImp*>(frame.site->getData());
+            qcJointImp* other = static_cast<qcJointImp*>(frame.next->getData());
+            frame.next = qList::iterator(nullptr, frame.next);
+            if (other == frame.joint || segmentOnly)
+                continue;
+            if (frame.stops) {
+                qVector otherForce, otherMoment;
+                analysis.special_joint_forces(other, frame.joint, otherForce, otherMoment);
+                analysis.calcForcesAt(frame.jointPos, frame.sitePos, otherForce, frame.force, frame.moment);
+                frame.moment.add(otherMoment);
+            } else if (!enter(other, here, zero, zero)) {
+                error("StaticStrength ERROR: failed on %s", other ? other->getFullName() : "???");
+                reportFailure();
+                force = frames.front().force;
+                moment = frames.front().moment;
+                return 0;
+            }
+            continue;
+        }
+        if (frame.site) {
+            takeSiteLoads(frame);
+            goToSite(frame, qList::iterator(nullptr, frame.site));
+            continue;
+        }
+
+        // the whole segment is summed: its weight, then the result
+        takeWeight(frame);
+        store(frame);
+        const Frame finished = frame;
+        frames.pop_back();
+        if (frames.empty()) {
+            force = finished.force;
+            moment = finished.moment;
+            return 1;
+        }
+        Frame& inner = frames.back();
+        qVector carriedForce = finished.force;
+        analysis.calcForcesAt(inner.jointPos, inner.sitePos, carriedForce, inner.force, inner.moment);
+        inner.moment.add(finished.moment);
+    }
+}
+
+// Begins the sums of a joint. Refuses a null joint or site, after a message.
+bool qmStaticStrength::Walk::enter(qcJointImp* joint, qcSiteImp* site, const qVector& force, const qVector& moment)
+{
+    qcSiteImp* beyond = otherSite(joint, site);
+    if (!beyond) {
+        error("StaticStrength ERROR: joint %s site %s\n", joint ? joint->getName() : "???",
+              site ? site->getFullName() : "???");
+        return false;
+    }
+    Frame frame{joint, beyond->getSegment(), false, positionOf(site), force, moment, nullptr, {}, nullptr};
+    frame.stops = frame.segment == stop;
+
+    qcValue torqueValue;
+    qVector torque;
+    if (joint->getProperty(kTorqueKey, &torqueValue) && decodeTorqueValue(torqueValue, torque))
+        frame.moment.add(torque);
+
+    goToSite(frame, frame.segment->getSites());
+    frames.push_back(frame);
+    return true;
+}
+
+void qmStaticStrength::Walk::goToSite(Frame& frame, qList* site)
+{
+    frame.site = site;
+    frame.next = nullptr;
+    if (!site)
+        return;
+    qcSiteImp* here = static_cast<qcSiteImp*>(site->getData());
+    frame.sitePos = positionOf(here);
+    frame.next = here->getJoints();
+}
+
+// The loads of a site: its own load, or at a palm centre without one the hand load, and its loads
+// with offsets.
+//
+// Required: a palm centre's loads with offsets count only when it also carries a load of its own.
+void qmStaticStrength::Walk::takeSiteLoads(Frame& frame)
+{
+    qcSiteImp* site = static_cast<qcSiteImp*>(frame.site->getData());
+    const qVector noOffset;
+    qcValue value;
+    if (site->getProperty(kLoadKey, &value)) {
+        qVector load;
+        int local;
+        if (!decodeLoadValue(value, load, local, nullptr)) {
+            error("StaticStrength ERROR: illegal load at site %s", site->getFullName());
+            return;
+        }
+        take(frame, site, load, local, noOffset);
+    } else if (std::strstr(site->getFullName(), "palmcenter")) {
+        const qcSide hand = std::strstr(site->getFullName(), "right") ? qcRight : qcLeft;
+        const qcFigure* figure = analysis.human ? analysis.human->getFigure() : nullptr;
+        const qVector load = readHandLoad(figure, hand);
+        if (load[0] != kNoHandLoad)
+            take(frame, site, load, readHandLoadLocal(figure, hand), noOffset);
+        return;
+    }
+    takeOffsetLoads(frame, site);
+}
+
+// Required: the offset is added as stored, unrotated, for local loads too.
+void qmStaticStrength::Walk::takeOffsetLoads(Frame& frame, qcSiteImp* site)
+{
+    for (int i = index.firstOf(site); i != OffsetLoadIndex::kNone; i = index.nextOf(i)) {
+        const loadWithOffset& record = *(*analysis.offsetLoads)[static_cast<std::size_t>(i)];
+        take(frame, site, record.load, record.local, record.offset);
+    }
+}
+
+// A load at a displacement from a site; half of it on the stop segment.
+void qmStaticStrength::Walk::take(Frame& frame, qcSiteImp* site, qVector load, bool local, const qVector& offset)
+{
+    if (local)
+        rotateToGlobal(load, site->getGlobalTransform());
+    if (frame.stops)
+        load.scale(analysis.get_split_factor(frame.joint, kSiteLoad, site->getName()));
+    qVector point = frame.sitePos + offset;
+    analysis.calcForcesAt(frame.jointPos, point, load, frame.force, frame.moment);
+}
+
+// Required: on the stop segment all that was gathered so far is halved here, torque and already halved
+// loads included; the weight is not.
+void qmStaticStrength::Walk::takeWeight(Frame& frame)
+{
+    const float mass = frame.segment->getMass();
+    if (!(mass > 0.0f))
+        return;
+    qVector center = centerOfMassInWorld(frame.segment);
+    qVector weight = weightToLoad(analysis.gravity, mass);
+    if (frame.stops) {
+        const float share = analysis.get_split_factor(frame.joint, kSegmentWeight, nullptr);
+        frame.force.scale(share);
+        frame.moment.scale(share);
+    }
+    printVector("wvec", weight);
+    analysis.calcForcesAt(frame.jointPos, center, weight, frame.force, frame.moment);
+}
+
+// A negligible result is removed. Required: a negligible moment beside a force becomes a placeholder, so
+// that a stored moment is never the zero vector.
+void qmStaticStrength::Walk::store(Frame& frame)
+{
+    const bool noForce = double(frame.force.mag()) <= kNegligible;
+    const bool noMoment = double(frame.moment.mag()) <= kNegligible;
+    if (noForce && noMoment) {
+        frame.joint->removeProperty(kForceMomentKey);
+        frame.force = frame.moment = qVector();
+        return;
+    }
+    if (noMoment)
+        frame.moment.set(kPlaceholder, kPlaceholder, kPlaceholder);
+    analysis.setFMonJoint(frame.joint, frame.force, frame.moment);
+}
+
+// Each joint on the way back to the root of the walk, by the joint whose subtree failed.
+void qmStaticStrength::Walk::reportFailure() const
+{
+    for (std::size_t i = frames.size(); i > 1; --i)
+        error("StaticStrength ERROR: failed on %s", frames[i - 1].joint->getFullName());
+}

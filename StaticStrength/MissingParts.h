@@ -1,0 +1,30 @@
+// Missing parts: a leg method that lacks parts of the figure refuses, and names all of them at once.
+#pragma once
+
+#include "qc/qcMessages.h"
+
+#include <string>
+
+/// Gathers what is missing. Allocates nothing while nothing is.
+class MissingParts {
+public:
+    /// Notes "prefix" + "name" unless the part is there. @return the part
+    template <class Part> Part* check(Part* part, const char* prefix, const char* name)
+    {
+        if (!part)
+            names.append(names.empty() ? "" : ", ").append(prefix).append(name);
+        return part;
+    }
+
+    /// Reports what is missing, if anything. @return whether there was
+    bool report(const char* consequence) const
+    {
+        if (names.empty())
+            return false;
+        error("StaticStrength ERROR: %s: missing %s", consequence, names.c_str());
+        return true;
+    }
+
+private:
+    std::string names;
+};

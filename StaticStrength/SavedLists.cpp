@@ -1,0 +1,87 @@
+// Saved lists.
+#include "SavedLists.h"
+
+#include <cstring>
+#include <utility>
+
+namespace {
+
+// The link that points at the entry of a key, or at the null at the end of the list.
+qcValue** linkToEntry(qcValue** link, const char* key)
+{
+    for (; *link; link = &(*link)->next) {
+        const qcValue* entryKey = (*link)->firstElement();
+        char* text;
+        if (entryKey && entryKey->get(text) && std::strcmp(text, key) == 0)
+            break;
+    }
+    return link;
+}
+
+// Puts copies of a list's elements behind an element that has none behind it.
+void linkCopies(qcValue* behind, const qcValue* list)
+{
+    qcValue** link = &behind->next;
+    for (const qcValue* element = list->firstElement(); element; element = element->next) {
+        *link = dupval(element);
+        link = &(*link)->next;
+    }
+}
+
+}   // namespace
+
+void updateSavedList(qcFigure* figure, const char* listName, const char* key, const qcValue* value)
+{
+    // what is there but no list counts as an empty list
+    qcValue list;
+    if (!figure->getProperty(listName, &list) || list.kind != qcValue::List)
+        list.setList(nullptr);
+
+    qcValue** link = linkToEntry(&list.payload.first, key);
+    qcValue* entry = *link;
+    if (value && entry) {
+        qcValue* keyElement = entry->firstElement();
+        freeval(std::exchange(keyElement->next, nullptr));
+        linkCopies(keyElement, value);
+    } else if (value) {
+        entry = new qcValue;
+        entry->setList(new qcValue(key));
+        linkCopies(entry->firstElement(), value);
+        *link = entry;
+    } else if (entry) {
+        *link = std::exchange(entry->next, nullptr);
+        freeval(entry);
+    } else {
+        return;
+    }
+
+    if (list.firstElement())
+        figure->setProperty(listName, std::move(list));
+    else
+        figure->removeProperty(listName);
+}
+
+int countSavedEntries(const qcFigure* figure, const char* listName)
+{
+    qcValue list;
+    int count = 0;
+    if (figure->getProperty(listName, &list))
+        for (const qcValue* entry = list.firstElement(); entry; entry = entry->next)
+            ++count;
+    return count;
+}
+
+qcValue nthSavedKey(const qcFigure* figure, const char* listName, int n)
+{
+    qcValue list;
+    qcValue key;
+    if (!figure->getProperty(listName, &list))
+        return key;
+    const qcValue* entry = list.firstElement();
+    for (; entry && n > 0; --n)
+        entry = entry->next;
+    char* text;
+    if (entry && entry->firstElement() && entry->firstElement()->get(text))
+        key.set(text);
+    return key;
+}

@@ -1,0 +1,64 @@
+// Saved lists: the figure's list properties, an entry a key; and building list values.
+#pragma once
+
+#include "qc/qcFigure.h"
+#include "qc/qcValue.h"
+
+/// Builds the elements of a list value, in order.
+class ListBuilder {
+public:
+    ListBuilder() = default;
+    ListBuilder(const ListBuilder&) = delete;
+    ListBuilder& operator=(const ListBuilder&) = delete;
+    ~ListBuilder() { freeval(first); }
+
+    /// Appends an element made with `new`, which the builder owns from then on.
+    void append(qcValue* element)
+    {
+        *link = element;
+        link = &element->next;
+    }
+    void append(const qVector& vector)
+    {
+        qcValue* element = new qcValue;
+        element->set(&vector);
+        append(element);
+    }
+    void append(const char* text) { append(new qcValue(text)); }
+    void append(float number) { append(new qcValue(number)); }
+
+    /// Makes `list` a list of the elements; the builder is empty afterwards.
+    void moveInto(qcValue& list)
+    {
+        list.setList(first);
+        first = nullptr;
+        link = &first;
+    }
+    /// A new list value of the elements, made with `new`.
+    qcValue* newList()
+    {
+        qcValue* list = new qcValue;
+        moveInto(*list);
+        return list;
+    }
+
+private:
+    qcValue* first = nullptr;
+    qcValue** link = &first;
+};
+
+/// Sets or removes the entry of one key in a list property of the figure.
+///
+/// An entry is a list whose first element is the key's text, followed by the elements of a value. A
+/// set replaces what follows the key of an entry that is there, in its place, or appends a new entry.
+/// The property goes with its last entry. Elements of any other shape are kept and passed over.
+///
+/// @param value  a list value, copied; null removes the entry
+void updateSavedList(qcFigure* figure, const char* listName, const char* key, const qcValue* value);
+
+/// The number of elements of a list property, whatever their shape; 0 without one.
+int countSavedEntries(const qcFigure* figure, const char* listName);
+
+/// Copies the key text of the n-th entry, from 0; the first for a negative n.
+/// @return a text value holding the key; an empty value when there is no such entry or it has no key
+qcValue nthSavedKey(const qcFigure* figure, const char* listName, int n);
