@@ -6,8 +6,8 @@
 /// A joint's result: a list of two vectors, force (kgf) then moment (N·m). Absent: no result.
 constexpr const char* kForceMomentKey = "SSTR_Force_Moment";
 
-/// A new result value. @return made with `new`; the caller destroys it
-qcValue* makeForceMomentValue(const qVector& force, const qVector& moment);
+/// A result value.
+qcValue makeForceMomentValue(const qVector& force, const qVector& moment);
 
 /// Reads a result value. @return 1; 0 when it is none, both outputs are then left as they were
 int decodeForceMomentValue(const qcValue& value, qVector& force, qVector& moment);

@@ -1,12 +1,15 @@
 // Hand loads.
 #include "HandLoads.h"
 
-#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <locale.h>
 
 namespace {
+
+// On the figure: by hand, the load and whether it is given in the palm's axes.
+constexpr const char* kHandLoadKeys[] = {"RightZelHandLoads", "LeftZelHandLoads"};
+constexpr const char* kHandLoadLocalKeys[] = {"RightZelHandLoadsLocal", "LeftZelHandLoadsLocal"};
 
 // In force for the calling thread while it lives: numbers have a decimal point.
 class PointNumbers {
@@ -33,10 +36,16 @@ char* readText(const qcFigure* figure, const char* key, qcValue& value)
 
 }   // namespace
 
+bool hasHandLoads(const qcFigure* figure)
+{
+    qcValue value;
+    return readText(figure, kHandLoadKeys[qcRight], value) || readText(figure, kHandLoadKeys[qcLeft], value);
+}
+
 qVector readHandLoad(const qcFigure* figure, qcSide hand)
 {
     qcValue value;
-    const char* text = readText(figure, hand == qcRight ? "RightZelHandLoads" : "LeftZelHandLoads", value);
+    const char* text = readText(figure, kHandLoadKeys[hand], value);
     float x = kNoHandLoad, y = 0.0f, z = 0.0f;
     int count = 0;
     if (text) {
@@ -49,6 +58,6 @@ qVector readHandLoad(const qcFigure* figure, qcSide hand)
 int readHandLoadLocal(const qcFigure* figure, qcSide hand)
 {
     qcValue value;
-    const char* text = readText(figure, hand == qcRight ? "RightZelHandLoadsLocal" : "LeftZelHandLoadsLocal", value);
-    return text ? std::atoi(text) : 0;
+    const char* text = readText(figure, kHandLoadLocalKeys[hand], value);
+    return text ? static_cast<int>(std::strtol(text, nullptr, 10)) : 0;
 }

@@ -6,6 +6,9 @@
 /// The x component that stands for "no hand load".
 constexpr float kNoHandLoad = 7777.0f;
 
+/// Whether the figure has any hand load, so that palm centres matter. @param figure  null: none
+bool hasHandLoads(const qcFigure* figure);
+
 /// The load of a hand, kgf. One number in the text is a vertical load, two or three are x, y, z.
 /// Numbers have a decimal point whatever the locale is.
 /// @param figure  null: no load

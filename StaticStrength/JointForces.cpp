@@ -24,22 +24,21 @@ constexpr float kPlaceholder = 1e-5f;   // N·m: stands for a negligible moment 
 
 }   // namespace
 
-qcValue* makeForceMomentValue(const qVector& force, const qVector& moment)
+qcValue makeForceMomentValue(const qVector& force, const qVector& moment)
 {
-    ListBuilder list;
-    list.append(force);
-    list.append(moment);
-    return list.newList();
+    qcValue result;
+    ListBuilder elements;
+    elements.append(force);
+    elements.append(moment);
+    elements.moveInto(result);
+    return result;
 }
 
 int decodeForceMomentValue(const qcValue& value, qVector& force, qVector& moment)
 {
     const qcValue* forceElement = value.firstElement();
     qVector storedForce, storedMoment;
-    qVector* forcePointer = &storedForce;
-    qVector* momentPointer = &storedMoment;
-    if (!forceElement || !forceElement->get(forcePointer) || !forceElement->next
-        || !forceElement->next->get(momentPointer))
+    if (!readVector(forceElement, storedForce) || !readVector(forceElement->next, storedMoment))
         return 0;
     force = storedForce;
     moment = storedMoment;
@@ -57,11 +56,8 @@ int qmStaticStrength::getJointForces(qcJoint* joint, qVector& force, qVector& mo
 
 void qmStaticStrength::setFMonJoint(qcJoint* joint, const qVector& force, const qVector& moment)
 {
-    if (!joint)
-        return;
-    qcValue* value = makeForceMomentValue(force, moment);
-    joint->setProperty(kForceMomentKey, std::move(*value));
-    qcValue::destroy(value);
+    if (joint)
+        joint->setProperty(kForceMomentKey, makeForceMomentValue(force, moment));
 }
 
 void qmStaticStrength::calcForcesAt(qVector& jointPos, qVector& point, qVector& f, qVector& sumForce,
@@ -110,6 +106,7 @@ struct qmStaticStrength::Walk {
         frames.swap(spareFrames());
         std::swap(index, spareIndex());
         index.build(*owner.offsetLoads);
+        palmCentersMatter = !index.isEmpty() || hasHandLoads(handLoadFigure());
     }
     ~Walk()
     {
@@ -143,8 +140,11 @@ private:
     void store(Frame& frame);
     void reportFailure() const;
 
+    const qcFigure* handLoadFigure() const { return analysis.human ? analysis.human->getFigure() : nullptr; }
+
     qmStaticStrength& analysis;
     qcSegmentImp* stop;
+    bool palmCentersMatter;   // false: no hand load and no load with offset, so they are sites like any other
     std::vector<Frame> frames;
     OffsetLoadIndex index;
 };
@@ -259,12 +259,11 @@ void qmStaticStrength::Walk::takeSiteLoads(Frame& frame)
             return;
         }
         take(frame, site, load, local, noOffset);
-    } else if (std::strstr(site->getFullName(), "palmcenter")) {
+    } else if (palmCentersMatter && std::strstr(site->getFullName(), "palmcenter")) {
         const qcSide hand = std::strstr(site->getFullName(), "right") ? qcRight : qcLeft;
-        const qcFigure* figure = analysis.human ? analysis.human->getFigure() : nullptr;
-        const qVector load = readHandLoad(figure, hand);
+        const qVector load = readHandLoad(handLoadFigure(), hand);
         if (load[0] != kNoHandLoad)
-            take(frame, site, load, readHandLoadLocal(figure, hand), noOffset);
+            take(frame, site, load, readHandLoadLocal(handLoadFigure(), hand), noOffset);
         return;
     }
     takeOffsetLoads(frame, site);

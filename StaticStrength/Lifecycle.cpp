@@ -14,6 +14,7 @@
 #include <cstring>
 #include <iterator>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -23,7 +24,34 @@ constexpr const char* kStrategyNames[qmStaticStrength::N_STRS] = {"Two Feet", "R
 constexpr const char* kCallbackKind = "qc_simfunc";
 constexpr const char* kCallbackOwner = "StaticStrength";
 
-qList* registry = nullptr;   // of qmStaticStrength*, in the order of their construction
+qList* registry = nullptr;   // of qmStaticStrength*, in the order of their construction; without copies
+
+// Every object there is, copies too: they share what they own. Never destroyed: objects may outlive it.
+std::vector<qmStaticStrength*>& living()
+{
+    static auto* objects = new std::vector<qmStaticStrength*>;
+    return *objects;
+}
+
+// Who bound a callback and is run by it.
+struct Binding {
+    qcCallback* callback;
+    qmStaticStrength* binder;
+};
+
+std::vector<Binding>& bindings()
+{
+    static auto* all = new std::vector<Binding>;
+    return *all;
+}
+
+const qmStaticStrength* binderOf(const qcCallback* callback)
+{
+    for (const Binding& binding : bindings())
+        if (binding.callback == callback)
+            return binding.binder;
+    return nullptr;
+}
 
 int belongsToOtherHuman(int* data, void* human)
 {
@@ -63,16 +91,24 @@ qmStaticStrength::qmStaticStrength(qcHuman* analysed)
     reset();
     observer = new qcRefObserver(figure, this);
     qList::append(&registry, this);
+    living().push_back(this);
 }
 
-qmStaticStrength::qmStaticStrength(const qmStaticStrength&) = default;
+qmStaticStrength::qmStaticStrength(const qmStaticStrength& other)
+    : qcObject(other), human(other.human), figure(other.figure), gravity(other.gravity),
+      strategy(other.strategy), splitFactors{other.splitFactors[0], other.splitFactors[1], other.splitFactors[2],
+                                             other.splitFactors[3]},
+      l5Segment(other.l5Segment), anthroScale(other.anthroScale), callback(other.callback), script(other.script),
+      observer(other.observer), offsetLoads(other.offsetLoads)
+{
+    living().push_back(this);
+}
 
 qmStaticStrength& qmStaticStrength::operator=(const qmStaticStrength& other)
 {
     if (this == &other)
         return *this;
-    if (isRegistered())
-        releaseOwned();
+    releaseOwned(&other);
     qcObject::operator=(other);
     human = other.human;
     figure = other.figure;
@@ -88,40 +124,33 @@ qmStaticStrength& qmStaticStrength::operator=(const qmStaticStrength& other)
     return *this;
 }
 
-// A copy is not in the registry and owns nothing.
 qmStaticStrength::~qmStaticStrength()
 {
-    if (!isRegistered())
-        return;
-    releaseOwned();
-    qList::deleteNode(&registry, registry->findNode(this, nullptr), nullptr);
+    releaseOwned(nullptr);
+    if (qList* node = registry ? registry->findNode(this, nullptr) : nullptr)
+        qList::deleteNode(&registry, node, nullptr);
+    living().erase(std::find(living().begin(), living().end(), this));
 }
 
-bool qmStaticStrength::isRegistered()
+// Lets go of what the object owns, and frees what no other object shares. A callback runs the object
+// that bound it and ends with it, unless `keeper`, whose members this object is about to take over,
+// has the same one.
+void qmStaticStrength::releaseOwned(const qmStaticStrength* keeper)
 {
-    return registry && registry->findNode(this, nullptr);
-}
-
-// Frees what no other registered analysis holds too: an assignment shares the pointers.
-void qmStaticStrength::releaseOwned()
-{
-    bool othersHoldCallback = false, othersHoldObserver = false, othersHoldLoads = false;
-    forEach<qmStaticStrength>(registry, [&](const qmStaticStrength* other) {
-        if (other == this)
-            return;
-        othersHoldCallback = othersHoldCallback || (other->callback && other->callback == callback)
-                             || (other->script && other->script == script);
-        othersHoldObserver = othersHoldObserver || other->observer == observer;
-        othersHoldLoads = othersHoldLoads || other->offsetLoads == offsetLoads;
-    });
-    if (!othersHoldCallback)
+    const auto shared = [this](auto held) {
+        return std::any_of(living().begin(), living().end(),
+                           [&](const qmStaticStrength* other) { return other != this && held(*other); });
+    };
+    const bool keepsCallback = keeper && keeper->callback == callback && keeper->script == script;
+    const bool scriptShared = shared([this](const qmStaticStrength& other) { return other.script == script; });
+    if (!keepsCallback && (binderOf(callback) == this || (!callback && !scriptShared)))
         deactivate();
-    if (!othersHoldObserver && observer)
+    if (!shared([this](const qmStaticStrength& other) { return other.observer == observer; }) && observer)
         observer->destroy();
-    if (othersHoldLoads)
-        return;
-    dropOffsetLoads();
-    delete offsetLoads;
+    if (!shared([this](const qmStaticStrength& other) { return other.offsetLoads == offsetLoads; })) {
+        dropOffsetLoads();
+        delete offsetLoads;
+    }
 }
 
 qmStaticStrength* qmStaticStrength::getHandle(qcHuman* human)
@@ -140,8 +169,10 @@ int qmStaticStrength::humanInfo()
     anthroScale = human->getAnthroscale();
     if (!anthroScale)
         anthroScale = human->initAnthroscale(nullptr);
-    if (!anthroScale)
-        return error("StaticStrength ERROR: cannot init AnthroScale(%s)", figure->getName());
+    if (!anthroScale) {
+        error("StaticStrength ERROR: cannot init AnthroScale(%s)", figure->getName());
+        return 0;
+    }
     anthroScale->applyScale();
     return 1;
 }
@@ -181,20 +212,34 @@ int qmStaticStrength::activate(const char* newScript)
     std::printf("activate callback\n");
     if (callback)
         return 0;
-    if (newScript && *newScript)
+    if (newScript && *newScript) {
+        std::free(script);
         script = strdup(newScript);
+    }
     callback = qcSim::bindCallback(kCallbackKind, kCallbackOwner, computeAndRunScript, this);
+    if (callback)
+        bindings().push_back({callback, this});
     return 1;
 }
 
+// Objects that share the callback or the script lose it with this one.
 int qmStaticStrength::deactivate()
 {
-    if (callback) {
-        qcSim::unbindCallback(callback);
-        callback = nullptr;
+    qcCallback* const ended = callback;
+    char* const dropped = script;
+    for (qmStaticStrength* object : living()) {
+        if (object->callback == ended)
+            object->callback = nullptr;
+        if (object->script == dropped)
+            object->script = nullptr;
     }
-    std::free(script);
-    script = nullptr;
+    if (ended) {
+        qcSim::unbindCallback(ended);
+        auto& all = bindings();
+        all.erase(std::remove_if(all.begin(), all.end(), [ended](const Binding& b) { return b.callback == ended; }),
+                  all.end());
+    }
+    std::free(dropped);
     return 1;
 }
 

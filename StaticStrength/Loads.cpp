@@ -37,8 +37,7 @@ qcValue* makeLoadValue(const qVector& load, int kind, float weight)
 int decodeLoadValue(const qcValue& value, qVector& load, int& local, float* weight)
 {
     const qcValue* element = value.firstElement();
-    qVector* loadPointer = &load;
-    if (!element || !element->get(loadPointer))
+    if (!readVector(element, load))
         return 0;
     element = element->next;
     char* kind;
@@ -63,8 +62,7 @@ int parseLoadEntry(qcValue& entry, const qVector& gravity, char*& key, qcValue**
 
     qcValue* loadElement = element->next;
     qVector load;
-    qVector* loadPointer = &load;
-    if (!loadElement || !loadElement->get(loadPointer) || double(load.mag()) < kSmallestLoad)
+    if (!readVector(loadElement, load) || double(load.mag()) < kSmallestLoad)
         return 0;
 
     const qcValue* kindElement = loadElement->next;
@@ -97,8 +95,10 @@ int globalSiteLoad(qcSiteImp* site, qVector& load, qVector& point)
     if (!site->getProperty(kLoadKey, &value))
         return 0;
     int local;
-    if (!decodeLoadValue(value, load, local, nullptr))
-        return error("StaticStrength ERROR: illegal load at site %s", site->getName());
+    if (!decodeLoadValue(value, load, local, nullptr)) {
+        error("StaticStrength ERROR: illegal load at site %s", site->getName());
+        return 0;
+    }
     if (local)
         rotateToGlobal(load, site->getSegment()->getGlobalTransform());
     point = positionOf(site);
@@ -130,8 +130,10 @@ int qmStaticStrength::setWeightLoad(qcSite* site, float weight)
 
 int qmStaticStrength::removeLoad(qcSite* site)
 {
-    if (!site || !site->removeProperty(kLoadKey))
+    qcValue value;
+    if (!site || !site->getProperty(kLoadKey, &value))
         return 0;
+    site->removeProperty(kLoadKey);
     updateSavedList(figure, kLoadListKey, siteKey(site).c_str(), nullptr);
     return 1;
 }

@@ -251,8 +251,8 @@ LegResult hipAndKnee(qmStaticStrength& analysis, const Leg& leg, const Shared& s
 // Both feet carry the body.
 //
 //   d = PaL - PaR, D = |d|, down = (0, -1, 0), n = unit(d × down), K = 1 / 0.098
-//   F1 =  down (MR · n) / D K          F3 = -n (MR · down) / D K         reactions of the left foot
-//   F2 = -down (ML · n) / D K          F4 =  n (ML · down) / D K         reactions of the right foot
+//   F1 =  down · (MR · n) / D · K      F3 = -n · (MR · down) / D · K     what the left foot takes off the right
+//   F2 = -down · (ML · n) / D · K      F4 =  n · (ML · down) / D · K     what the right foot takes off the left
 //   r  = |F2| / (|F2| + |F1|)          the right foot's share; the left one's is 1 - r
 void standOnBothFeet(qmStaticStrength& analysis, const Body& body, const Sum& aboutRight, const Sum& aboutLeft)
 {

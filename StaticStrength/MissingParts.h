@@ -8,11 +8,11 @@
 /// Gathers what is missing. Allocates nothing while nothing is.
 class MissingParts {
 public:
-    /// Notes "prefix" + "name" unless the part is there. @return the part
-    template <class Part> Part* check(Part* part, const char* prefix, const char* name)
+    /// Notes the part by a text and the rest of it, unless it is there. @return the part
+    template <class Part> Part* check(Part* part, const char* text, const char* rest)
     {
         if (!part)
-            names.append(names.empty() ? "" : ", ").append(prefix).append(name);
+            names.append(names.empty() ? "" : ", ").append(text).append(rest);
         return part;
     }
 

@@ -14,6 +14,8 @@ public:
 
     void build(const std::vector<loadWithOffset*>& list);
 
+    bool isEmpty() const { return count == 0; }
+
     /// The first record of a site, and the one after another; kNone at the end.
     int firstOf(const qcSite* site) const { return count == 0 ? kNone : slots[slotOf(site)].first; }
     int nextOf(int record) const { return next[static_cast<std::size_t>(record)]; }

@@ -113,16 +113,12 @@ loadWithOffset* qmStaticStrength::parseOffsetLoadEntry(qcValue& entry) const
     if (!site)
         return nullptr;
 
-    qVector offset;
-    qVector* offsetPointer = &offset;
+    qVector offset, load;
     element = element->next;
-    if (!element || !element->get(offsetPointer))
+    if (!readVector(element, offset))
         return nullptr;
-
-    qVector load;
-    qVector* loadPointer = &load;
     qcValue* loadElement = element->next;
-    if (!loadElement || !loadElement->get(loadPointer))
+    if (!readVector(loadElement, load))
         return nullptr;
 
     char* type;

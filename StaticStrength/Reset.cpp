@@ -60,6 +60,7 @@ int qmStaticStrength::reset()
 int qmStaticStrength::restoreLoads(qcValue& list)
 {
     int result = 1;
+    RestoredList restored;
     for (qcValue* entry = list.firstElement(); entry; entry = entry->next) {
         char* key;
         qcValue* value = nullptr;
@@ -67,19 +68,21 @@ int qmStaticStrength::restoreLoads(qcValue& list)
         qcSiteImp* site = parsed ? findSiteByKey(figure, key) : nullptr;
         if (site) {
             site->setProperty(kLoadKey, *value);
-            updateSavedList(figure, kLoadListKey, siteKey(site).c_str(), value);
+            restored.set(siteKey(site).c_str(), *value);
         } else {
             warnUnreadable(*entry);
             result = 0;
         }
         qcValue::destroy(value);
     }
+    restored.storeOn(figure, kLoadListKey);
     return result;
 }
 
 int qmStaticStrength::restoreTorques(const qcValue& list)
 {
     int result = 1;
+    RestoredList restored;
     for (const qcValue* entry = list.firstElement(); entry; entry = entry->next) {
         char* name;
         qcValue* value = nullptr;
@@ -87,13 +90,14 @@ int qmStaticStrength::restoreTorques(const qcValue& list)
         qcJointImp* joint = parsed ? figure->findJoint(name) : nullptr;
         if (joint) {
             joint->setProperty(kTorqueKey, *value);
-            updateSavedList(figure, kTorqueListKey, joint->getName(), value);
+            restored.set(joint->getName(), *value);
         } else {
             warnUnreadable(*entry);
             result = 0;
         }
         qcValue::destroy(value);
     }
+    restored.storeOn(figure, kTorqueListKey);
     return result;
 }
 

@@ -28,6 +28,22 @@ void linkCopies(qcValue* behind, const qcValue* list)
     }
 }
 
+// Replaces what follows the key of an entry.
+void replaceElements(qcValue* entry, const qcValue* list)
+{
+    qcValue* key = entry->firstElement();
+    freeval(std::exchange(key->next, nullptr));
+    linkCopies(key, list);
+}
+
+qcValue* newEntry(const char* key, const qcValue* list)
+{
+    qcValue* entry = new qcValue;
+    entry->setList(new qcValue(key));
+    linkCopies(entry->firstElement(), list);
+    return entry;
+}
+
 }   // namespace
 
 void updateSavedList(qcFigure* figure, const char* listName, const char* key, const qcValue* value)
@@ -40,14 +56,9 @@ void updateSavedList(qcFigure* figure, const char* listName, const char* key, co
     qcValue** link = linkToEntry(&list.payload.first, key);
     qcValue* entry = *link;
     if (value && entry) {
-        qcValue* keyElement = entry->firstElement();
-        freeval(std::exchange(keyElement->next, nullptr));
-        linkCopies(keyElement, value);
+        replaceElements(entry, value);
     } else if (value) {
-        entry = new qcValue;
-        entry->setList(new qcValue(key));
-        linkCopies(entry->firstElement(), value);
-        *link = entry;
+        *link = newEntry(key, value);
     } else if (entry) {
         *link = std::exchange(entry->next, nullptr);
         freeval(entry);
@@ -59,6 +70,27 @@ void updateSavedList(qcFigure* figure, const char* listName, const char* key, co
         figure->setProperty(listName, std::move(list));
     else
         figure->removeProperty(listName);
+}
+
+void RestoredList::set(const char* key, const qcValue& value)
+{
+    qcValue*& entry = entryOf[key];
+    if (entry) {
+        replaceElements(entry, &value);
+        return;
+    }
+    entry = newEntry(key, &value);
+    entries.append(entry);
+}
+
+void RestoredList::storeOn(qcFigure* figure, const char* listName)
+{
+    if (entryOf.empty())
+        return;
+    qcValue list;
+    entries.moveInto(list);
+    entryOf.clear();
+    figure->setProperty(listName, std::move(list));
 }
 
 int countSavedEntries(const qcFigure* figure, const char* listName)

@@ -4,6 +4,21 @@
 #include "qc/qcFigure.h"
 #include "qc/qcValue.h"
 
+#include <string>
+#include <unordered_map>
+
+/// Reads a vector value. @param value  null counts as none
+/// @return 1; 0 when it is no vector, `out` is then left as it was
+inline int readVector(const qcValue* value, qVector& out)
+{
+    qVector vector;
+    qVector* read = &vector;
+    if (!value || !value->get(read))
+        return 0;
+    out = *read;
+    return 1;
+}
+
 /// Builds the elements of a list value, in order.
 class ListBuilder {
 public:
@@ -55,6 +70,23 @@ private:
 ///
 /// @param value  a list value, copied; null removes the entry
 void updateSavedList(qcFigure* figure, const char* listName, const char* key, const qcValue* value);
+
+/// Builds a list property anew, an entry a key, in time linear in the entries. The result is that of
+/// updateSavedList() for each in turn: equal keys share the place of the first and the value of the last.
+class RestoredList {
+public:
+    RestoredList() = default;
+
+    /// @param value  a list value, copied
+    void set(const char* key, const qcValue& value);
+
+    /// Stores the list on the figure; an empty one is no property.
+    void storeOn(qcFigure* figure, const char* listName);
+
+private:
+    ListBuilder entries;
+    std::unordered_map<std::string, qcValue*> entryOf;   // borrowed from the entries
+};
 
 /// The number of elements of a list property, whatever their shape; 0 without one.
 int countSavedEntries(const qcFigure* figure, const char* listName);

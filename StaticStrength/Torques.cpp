@@ -12,9 +12,7 @@ qcValue* makeTorqueValue(const qVector& torque)
 
 int decodeTorqueValue(const qcValue& value, qVector& torque)
 {
-    const qcValue* element = value.firstElement();
-    qVector* torquePointer = &torque;
-    return element ? element->get(torquePointer) : 0;
+    return readVector(value.firstElement(), torque);
 }
 
 int parseTorqueEntry(const qcValue& entry, char*& name, qcValue** newValue)
@@ -23,8 +21,7 @@ int parseTorqueEntry(const qcValue& entry, char*& name, qcValue** newValue)
     if (!element || !element->get(name))
         return 0;
     qVector torque;
-    qVector* torquePointer = &torque;
-    if (!element->next || !element->next->get(torquePointer))
+    if (!readVector(element->next, torque))
         return 0;
     if (newValue)
         *newValue = makeTorqueValue(torque);
@@ -44,8 +41,10 @@ int qmStaticStrength::setDefinedTorque(qcJoint* joint, qVector& torque)
 
 int qmStaticStrength::removeDefinedTorque(qcJoint* joint)
 {
-    if (!joint || !joint->removeProperty(kTorqueKey))
+    qcValue value;
+    if (!joint || !joint->getProperty(kTorqueKey, &value))
         return 0;
+    joint->removeProperty(kTorqueKey);
     updateSavedList(figure, kTorqueListKey, joint->getName(), nullptr);
     return 1;
 }

@@ -11,7 +11,7 @@
 //   results     what the body beyond a joint puts on it, not the reaction to it
 //   ownership   host objects are borrowed; the object owns its script, observer and offset loads
 //   failure     1 success, 0 failure, or a null pointer; nothing throws
-//   threads     one: results of module-wide state are not guarded
+//   threads     one: module-wide state is not guarded
 //
 // What an analysis is told and what it computes lives in properties of the figure, its sites and its
 // joints, so that it is saved with the host's scene and found again by the next analysis.
@@ -45,7 +45,7 @@ struct loadWithOffset {
 class SSTR_API qmStaticStrength : public qcObject {
 public:
     /// How the body is supported.
-    enum Strategy {
+    enum Strategy : int {
         TwoFeet = 0,
         RightFoot = 1,
         LeftFoot = 2,
@@ -63,7 +63,8 @@ public:
     /// @param human  borrowed; not null
     explicit qmStaticStrength(qcHuman* human);
 
-    /// Member-wise copies: the copy shares the pointers, is not in the registry and owns nothing.
+    /// Member-wise copies: they share the pointers. A copy is not in the registry. What several objects
+    /// share is freed with the last of them; a callback ends with the object that bound it.
     qmStaticStrength(const qmStaticStrength& other);
     qmStaticStrength& operator=(const qmStaticStrength& other);
 
@@ -76,7 +77,8 @@ public:
     /// The human analysed.
     qcHuman* getHuman();
 
-    /// Sets gravity and resets, so that every weight is converted anew.
+    /// Sets gravity and resets, so that every weight is converted anew: results are gone, and records of
+    /// loads with offsets are others.
     void setGravity(const qVector& newGravity);
 
     /// Reads gravity. @return its magnitude
@@ -85,6 +87,8 @@ public:
     /// Chooses how the body is supported and stores the choice on the figure. A value without a name
     /// (hands and knees) holds for this object until the next choice or reset; a stored text stays.
     void setStrategy(Strategy newStrategy);
+
+    /// The strategy chosen.
     Strategy getStrategy();
 
     /// "Two Feet", "Right Foot", "Left Foot", "Walking", "Sitting", "Sitting, No Feet"; null for
@@ -187,25 +191,30 @@ public:
 
     // ---- Input: all of it -----------------------------------------------------------------------
 
-    /// Removes every load, torque, result and the stored strategy from the figure. The strategy and
-    /// gravity of this object stay.
+    /// Removes every load, torque, result and the stored strategy from the figure, and frees the records
+    /// of loads with offsets. The strategy and gravity of this object stay, and so do loads that were put
+    /// on other figures.
     void clear();
 
     /// Rebuilds everything from the figure's saved lists: weights are converted with the present
-    /// gravity, results are gone, entries that cannot be read are dropped with a warning.
+    /// gravity, results are gone. Entries that cannot be read, or whose site or joint this figure does not
+    /// have, are dropped, with a warning for loads and torques.
     /// @return 1 when at least one of the three lists was there and restored whole, else 0
     int reset();
 
     // ---- Compute --------------------------------------------------------------------------------
 
-    /// Analyses the human in its present posture and leaves the results on the joints. @return 1
+    /// Analyses the human in its present posture and leaves the results on the joints. Joints that the
+    /// strategy does not reach keep what they had.
+    /// @return 1, always: what fails is reported through error()
     int compute();
 
     // ---- Results --------------------------------------------------------------------------------
     //
     //   joint   SSTR_Force_Moment  list of two vectors, force (kgf) then moment (N·m), global axes.
-    //                              Absent: both are at most 0.01. A stored moment is never the zero
-    //                              vector after a walk: at most 0.01 becomes (0.00001, 0.00001, 0.00001)
+    //                              Absent: both at most 0.01, nothing computed there since the last
+    //                              reset, or a knee when sitting. A walk never stores the zero vector
+    //                              as a moment: at most 0.01 becomes (0.00001, 0.00001, 0.00001)
 
     /// Reads the result on a joint.
     /// @param force   receives the force, kgf, global axes
@@ -230,13 +239,12 @@ public:
     /// @param joint  the joint being computed
     /// @param mode   1: of another joint's stored result; 2: of a load; 3: of the segment's weight
     /// @param name   mode 1: the other joint's name
-    /// @return 0 to 1
+    /// @return 0 to 1; not a number where both supports lie under the balance point or one is missing
     float getSplitFactor(qcJoint* joint, int mode, const char* name);
 
 private:
     int humanInfo();
-    bool isRegistered();
-    void releaseOwned();
+    void releaseOwned(const qmStaticStrength* keeper);
 
     // Split: who carries how much.
     Strategy calculate_split();

@@ -8,10 +8,15 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release)
 endif()
 
+# An installed program finds its libraries wherever the whole was put.
+file(RELATIVE_PATH sstr_lib_from_bin ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+set(CMAKE_INSTALL_RPATH "$ORIGIN" "$ORIGIN/${sstr_lib_from_bin}")
+
 # The same bits from every compiler and optimisation level: no fused multiply-add.
 add_library(sstr_numbers INTERFACE)
 target_compile_options(sstr_numbers INTERFACE -ffp-contract=off)
 
+# For our own sources: link it PRIVATE, and to a static library as $<BUILD_INTERFACE:sstr_warnings>.
 add_library(sstr_warnings INTERFACE)
 target_compile_options(sstr_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion
   $<$<BOOL:${SSTR_WARNINGS_AS_ERRORS}>:-Werror>)

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
+#include <string_view>
 #include <unordered_set>
 
 namespace {
@@ -11,8 +13,14 @@ namespace {
 // One copy of every key that was ever stored; the copies live as long as the process.
 const char* internedKey(const char* key)
 {
-    static auto* keys = new std::unordered_set<std::string>;   // never destroyed: objects may outlive it
-    return keys->insert(key).first->c_str();
+    static auto* texts = new std::deque<std::string>;   // never destroyed: objects may outlive them
+    static auto* keys = new std::unordered_set<std::string_view>;
+    const auto known = keys->find(key);
+    if (known != keys->end())
+        return known->data();
+    texts->emplace_back(key);
+    keys->insert(texts->back());
+    return texts->back().c_str();
 }
 
 long newStamp()
@@ -31,19 +39,20 @@ qcSubject::~qcSubject()
 void qcSubject::notifyDestroyed()
 {
     beingDestroyed = true;
-    const std::vector<qcObserver*> told = std::move(observers);
-    observers.clear();
-    for (qcObserver* observer : told)
+    while (!observers.empty()) {   // an observer may detach or destroy others while it is told
+        qcObserver* observer = observers.front();
+        observers.erase(observers.begin());
         observer->update(qcDestroyed);
+    }
 }
 
 void qcSubject::attach(qcObserver* observer, updateProtocol)
 {
-    if (observer && std::find(observers.begin(), observers.end(), observer) == observers.end())
+    if (observer && !beingDestroyed && std::find(observers.begin(), observers.end(), observer) == observers.end())
         observers.push_back(observer);
 }
 
-void qcSubject::detach(qcObserver* observer, updateProtocol)
+void qcSubject::detach(qcObserver* observer)
 {
     observers.erase(std::remove(observers.begin(), observers.end(), observer), observers.end());
 }
@@ -113,34 +122,29 @@ int qcObject::searchProperty(const char* key, qcValue* out)
     return getProperty(key, out);
 }
 
-// The store is small and sorted by key; most objects have no property or one.
-const qcObject::Property* qcObject::findProperty(const char* key) const
+// The store is sorted by key. Most objects have no property or one or two: those are looked through by
+// length first, which tells nearly all keys apart.
+const qcObject::Property* qcObject::findProperty(const char* key, std::size_t length) const
 {
-    if (properties.empty())
+    constexpr std::size_t kFew = 8;
+    if (properties.size() <= kFew) {
+        for (const Property& property : properties)
+            if (property.length == length && std::memcmp(property.key, key, length) == 0)
+                return &property;
         return nullptr;
-    const std::size_t length = std::strlen(key);
-    std::size_t first = 0;
-    std::size_t count = properties.size();
-    while (count > 0) {
-        const Property& middle = properties[first + count / 2];
-        int order = std::memcmp(middle.key, key, std::min(middle.length, length));
-        if (order == 0 && middle.length == length)
-            return &middle;
-        if (order == 0)
-            order = middle.length < length ? -1 : 1;
-        if (order < 0) {
-            first += count / 2 + 1;
-            count -= count / 2 + 1;
-        } else {
-            count /= 2;
-        }
     }
-    return nullptr;
+    const std::string_view wanted(key, length);
+    const auto place = std::lower_bound(properties.begin(), properties.end(), wanted,
+                                        [](const Property& property, std::string_view k) {
+                                            return std::string_view(property.key, property.length) < k;
+                                        });
+    const bool found = place != properties.end() && std::string_view(place->key, place->length) == wanted;
+    return found ? &*place : nullptr;
 }
 
-int qcObject::getProperty(const char* key, qcValue* out) const
+int qcObject::readProperty(const char* key, std::size_t length, qcValue* out) const
 {
-    const Property* property = findProperty(key);
+    const Property* property = findProperty(key, length);
     if (!property)
         return 0;
     *out = property->value;
@@ -149,19 +153,22 @@ int qcObject::getProperty(const char* key, qcValue* out) const
 
 int qcObject::setProperty(const char* key, qcValue value)
 {
-    if (const Property* property = findProperty(key)) {
+    const std::size_t length = std::strlen(key);
+    if (const Property* property = findProperty(key, length)) {
         const_cast<Property*>(property)->value = std::move(value);
         return 1;
     }
     const auto place = std::lower_bound(properties.begin(), properties.end(), key,
                                         [](const Property& p, const char* k) { return std::strcmp(p.key, k) < 0; });
-    properties.insert(place, Property{internedKey(key), std::strlen(key), std::move(value)});
+    properties.insert(place, Property{internedKey(key), length, std::move(value)});
     return 1;
 }
 
 int qcObject::removeProperty(const char* key)
 {
-    const Property* property = findProperty(key);
+    if (properties.empty())
+        return 0;
+    const Property* property = findProperty(key, std::strlen(key));
     if (!property)
         return 0;
     properties.erase(properties.begin() + (property - properties.data()));

@@ -5,7 +5,9 @@
 
 qcObserver::~qcObserver() = default;
 
-qcRefObserver::qcRefObserver(qcSubject* observed, qcObject* forWhom) : subject(observed), object(forWhom)
+// A subject that is already going takes no observer any more.
+qcRefObserver::qcRefObserver(qcSubject* observed, qcObject* forWhom)
+    : subject(observed && !observed->invalid() ? observed : nullptr), object(forWhom)
 {
     if (subject)
         subject->attach(this, qcChanged);
@@ -14,7 +16,7 @@ qcRefObserver::qcRefObserver(qcSubject* observed, qcObject* forWhom) : subject(o
 qcRefObserver::~qcRefObserver()
 {
     if (subject)
-        subject->detach(this, qcChanged);
+        subject->detach(this);
 }
 
 void qcRefObserver::update(updateProtocol protocol)

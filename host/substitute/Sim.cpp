@@ -49,7 +49,8 @@ const qcCallback* nthBound(int n)
 
 qcCallback* qcSim::bindCallback(const char* kind, const char* owner, int (*function)(void*), void* data)
 {
-    callbacks().push_back(std::unique_ptr<qcCallback>(new qcCallback{kind, owner, function, data, true}));
+    callbacks().push_back(
+        std::unique_ptr<qcCallback>(new qcCallback{kind ? kind : "", owner ? owner : "", function, data, true}));
     return callbacks().back().get();
 }
 
@@ -69,6 +70,7 @@ int qcSim::unbindCallback(qcCallback* callback)
 int qcSim::step(int steps)
 {
     int calls = 0;
+    lastResults.clear();
     ++runningSteps;
     for (int n = 0; n < steps; ++n) {
         std::vector<int> results;

@@ -113,12 +113,6 @@ qcValue::qcValue(const qcValue& other)
     *this = other;
 }
 
-qcValue::qcValue(qcValue&& other) noexcept : kind(other.kind), payload(other.payload)
-{
-    other.kind = Empty;
-    other.payload.first = nullptr;
-}
-
 qcValue& qcValue::operator=(const qcValue& other)
 {
     if (this == &other)
@@ -132,10 +126,13 @@ qcValue& qcValue::operator=(const qcValue& other)
         setList(elements);
         break;
     }
-    default:
+    default: {
+        const std::int32_t newKind = other.kind;   // first: the other may be an element of this list
+        const Payload newPayload = other.payload;
         clear();
-        kind = other.kind;
-        payload = other.payload;
+        kind = newKind;
+        payload = newPayload;
+    }
     }
     return *this;
 }
@@ -144,11 +141,13 @@ qcValue& qcValue::operator=(qcValue&& other) noexcept
 {
     if (this == &other)
         return *this;
-    clear();
-    kind = other.kind;
-    payload = other.payload;
+    const std::int32_t newKind = other.kind;   // first: the other may be an element of this list
+    const Payload newPayload = other.payload;
     other.kind = Empty;
     other.payload.first = nullptr;
+    clear();
+    kind = newKind;
+    payload = newPayload;
     return *this;
 }
 
@@ -204,14 +203,6 @@ void qcValue::set(const char* text)
     clear();
     kind = String;
     payload.text = copy;
-}
-
-void qcValue::set(const qVector* vector)
-{
-    const qVector copy = *vector;
-    clear();
-    kind = Vector;
-    payload.vector = copy;
 }
 
 void qcValue::setList(qcValue* firstElement)

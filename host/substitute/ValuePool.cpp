@@ -13,6 +13,31 @@
 #endif
 #endif
 
+#ifdef QC_POOL_IS_HEAP
+
+// Under the address sanitizer every block is the heap's own, so that a misuse is seen.
+void* ValuePool::takeValue()
+{
+    return ::operator new(sizeof(qcValue));
+}
+
+void ValuePool::giveValue(void* memory)
+{
+    ::operator delete(memory);
+}
+
+char* ValuePool::takeText(std::size_t size)
+{
+    return static_cast<char*>(::operator new(size));
+}
+
+void ValuePool::giveText(char* memory, std::size_t)
+{
+    ::operator delete(memory);
+}
+
+#else
+
 namespace {
 
 // A free list of blocks of one size, which grows by whole chunks.
@@ -69,31 +94,6 @@ BlockPool shortTexts(kShortText);
 BlockPool longTexts(kLongText);
 
 }   // namespace
-
-#ifdef QC_POOL_IS_HEAP
-
-// Under the address sanitizer every block is the heap's own, so that a misuse is seen.
-void* ValuePool::takeValue()
-{
-    return ::operator new(sizeof(qcValue));
-}
-
-void ValuePool::giveValue(void* memory)
-{
-    ::operator delete(memory);
-}
-
-char* ValuePool::takeText(std::size_t size)
-{
-    return static_cast<char*>(::operator new(size));
-}
-
-void ValuePool::giveText(char* memory, std::size_t)
-{
-    ::operator delete(memory);
-}
-
-#else
 
 void* ValuePool::takeValue()
 {

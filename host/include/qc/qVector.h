@@ -3,6 +3,8 @@
 
 #include "qc/qcExport.h"
 
+#include <cmath>
+
 /// A vector or a point of three single-precision components, x, y, z.
 ///
 /// The unit and the axes are those of whoever holds it. Every operation works in single precision,
@@ -60,10 +62,14 @@ public:
     }
 
     /// Euclidean length: the square root of the scalar product with itself.
-    float mag() const;
+    float mag() const { return std::sqrt(dotProd(*this)); }
 
     /// Divides every component by the length. A zero vector becomes not-a-number throughout.
-    void normalize();
+    void normalize()
+    {
+        const float length = mag();
+        set(components[0] / length, components[1] / length, components[2] / length);
+    }
 
     /// Multiplies every component, in place.
     void scale(float factor)

@@ -5,6 +5,7 @@
 #include "qc/qcObserver.h"
 #include "qc/qcValue.h"
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,7 @@ public:
     virtual ~qcSubject();                                      ///< tells the observers: qcDestroyed
 
     virtual void attach(qcObserver* observer, updateProtocol protocol);
-    virtual void detach(qcObserver* observer, updateProtocol protocol);
+    virtual void detach(qcObserver* observer);
     virtual void notify(updateProtocol protocol);   ///< tells every observer attached
     virtual int invalid();                          ///< 1 while the subject is being destroyed
 
@@ -56,7 +57,10 @@ public:
     /// Reads a property.
     /// @param out  receives a copy, which the caller destroys
     /// @return 1 when the object has the property; else 0, and `out` is left as it was
-    int getProperty(const char* key, qcValue* out) const;
+    int getProperty(const char* key, qcValue* out) const
+    {
+        return properties.empty() ? 0 : readProperty(key, std::strlen(key), out);
+    }
 
     /// Stores a property, replacing any earlier one of that key. @return 1
     int setProperty(const char* key, qcValue value);
@@ -82,7 +86,8 @@ private:
         qcValue value;
     };
 
-    const Property* findProperty(const char* key) const;
+    const Property* findProperty(const char* key, std::size_t length) const;
+    int readProperty(const char* key, std::size_t length, qcValue* out) const;
 
     std::string name;
     std::string fullName;

@@ -21,7 +21,7 @@ public:
     /// One bound during a step runs from the next step on. @return the number of calls made
     static int step(int steps);
 
-    /// What the callbacks returned in the last step, in the order of their calls.
+    /// What the callbacks returned in the last step of the last step(), in the order of their calls.
     static int getNumResults();
     static int getResult(int i);   ///< 0 for an index outside
 

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 
 /// A tagged property value: empty, a float, a text, a vector, or a list of values.
 ///
@@ -23,10 +24,19 @@ public:
     explicit qcValue(qcValue* value);     ///< a copy of the given value; null makes an empty value
     explicit qcValue(const qcValue* value);
     qcValue(const qcValue& other);
-    qcValue(qcValue&& other) noexcept;          ///< takes the content over; `other` is left empty
+    qcValue(qcValue&& other) noexcept   ///< takes the content over; `other` is left empty
+        : kind(other.kind), payload(other.payload)
+    {
+        other.kind = Empty;
+        other.payload.first = nullptr;
+    }
     qcValue& operator=(const qcValue& other);   ///< replaces the content; keeps this value's `next`
     qcValue& operator=(qcValue&& other) noexcept;
-    ~qcValue() { clear(); }
+    ~qcValue()
+    {
+        if (ownsMemory())
+            clear();
+    }
 
     /// Destroys and frees a value made with `new`, alone: what it links to stays. Null is allowed.
     static void destroy(qcValue* value);
@@ -41,7 +51,14 @@ public:
     /// Each makes the value one of its kind, with a copy of what is given; keeps the `next` link.
     void set(float number);
     void set(const char* text);
-    void set(const qVector* vector);
+    void set(const qVector* vector)
+    {
+        const qVector copy = *vector;   // first: the vector may lie in this value
+        if (ownsMemory())
+            clear();
+        kind = Vector;
+        new (&payload.vector) qVector(copy);
+    }
 
     /// Makes the value a list of a chain of elements made with `new`, which it owns from then on.
     void setList(qcValue* firstElement);
@@ -55,6 +72,9 @@ public:
 
     /// Makes the value empty; keeps the `next` link.
     void clear();
+
+    /// Whether there is anything to free: a text or elements.
+    bool ownsMemory() const { return kind == String || kind == List; }
 
     static void* operator new(std::size_t size);
     static void* operator new(std::size_t, void* place) { return place; }

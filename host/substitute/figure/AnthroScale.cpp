@@ -27,7 +27,7 @@ void qcAnthroScale::applyScale()
 
     if (base.stature > 0 && !figure->isPosed())
         posture.scaleLengths(getStature() / base.stature);
-    if (sexIsSet || hasMass()) {
+    if ((sexIsSet || hasMass()) && (otherSex || base.mass > 0)) {
         std::vector<double> grams(figure->segments.size());
         for (std::size_t i = 0; i < grams.size(); ++i)
             grams[i] = otherSex ? base.otherMassPercent[i] * 0.01 * getMass()
@@ -85,11 +85,13 @@ qcSex qcAnthroScale::getSex() const
 double qcAnthroScale::getStature() const
 {
     const BodyBase& base = figure->posture->base;
-    return hasStature() ? stature : getSex() != base.sex ? base.otherStature : base.stature;
+    const bool other = getSex() != base.sex && base.otherStature > 0;
+    return hasStature() ? stature : other ? base.otherStature : base.stature;
 }
 
 double qcAnthroScale::getMass() const
 {
     const BodyBase& base = figure->posture->base;
-    return hasMass() ? mass : getSex() != base.sex ? base.otherMass : base.mass;
+    const bool other = getSex() != base.sex && base.otherMass > 0;
+    return hasMass() ? mass : other ? base.otherMass : base.mass;
 }

@@ -129,6 +129,16 @@ void FigureBuilder::setScaling(bool scaleAtHand, bool scaleCanBeMade)
     figure->scaleCanBeMade = scaleCanBeMade;
 }
 
+bool FigureBuilder::scaleIsAtHand(const qcFigure& built)
+{
+    return built.scaleAtHand;
+}
+
+bool FigureBuilder::scaleCanBeMade(const qcFigure& built)
+{
+    return built.scaleCanBeMade;
+}
+
 BodyBase& FigureBuilder::base()
 {
     return figure->posture->base;

@@ -45,7 +45,9 @@ public:
     qcRoles& roles();
     void addMissingRole(const std::string& what);             ///< a figure that misses one makes no human
     void setScaling(bool scaleAtHand, bool scaleCanBeMade);   ///< by default both are true
-    BodyBase& base();                                         ///< its total mass is filled in by the finish
+    static bool scaleIsAtHand(const qcFigure& built);
+    static bool scaleCanBeMade(const qcFigure& built);
+    BodyBase& base();   ///< its total mass is filled in by the finish
     void addNote(const std::string& line);
 
     /// The finished figure, in its zero posture. For a moving figure the reference site is kept at

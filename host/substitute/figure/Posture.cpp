@@ -249,9 +249,9 @@ Point Posture::bodyCenter()
     }
     if (mass > 0)
         return {sum[0] / mass, sum[1] / mass, sum[2] / mass};
-    if (figure.segments.empty())
+    if (links.empty())
         return {0, 0, 0};
-    const auto& root = figure.segments.front()->globalTransform.m[3];
+    const auto& root = links.front().segment->globalTransform.m[3];
     return {double(root[0]), double(root[1]), double(root[2])};
 }
 
@@ -280,7 +280,13 @@ void Posture::scaleLengths(double factor)
 
 void Posture::scaleMasses(const std::vector<double>& grams)
 {
-    for (std::size_t i = 0; i < links.size(); ++i)
-        if (!links[i].segment->massByHand)
-            links[i].segment->mass = static_cast<float>(grams[i]);
+    for (std::size_t i = 0; i < grams.size(); ++i)
+        if (!figure.segments[i]->massByHand)
+            figure.segments[i]->mass = static_cast<float>(grams[i]);
+}
+
+double Posture::baseMassOf(std::size_t segment) const
+{
+    const int link = linkOf(figure.segments[segment].get());
+    return link < 0 ? 0 : links[static_cast<std::size_t>(link)].baseMass;
 }

@@ -33,8 +33,8 @@ struct BodyBase {
     double stature = 0;   // cm; 0: not told
     double mass = 0;      // g: the sum of the segments' masses as loaded
     bool hasOtherSex = false;
-    double otherStature = 0;                // cm
-    double otherMass = 0;                   // g
+    double otherStature = 0;                // cm; 0: not told, the same
+    double otherMass = 0;                   // g; 0: not told, the same
     std::vector<double> otherMassPercent;   // of the body's mass, by segment in the figure's order
 };
 
@@ -61,10 +61,11 @@ public:
     double bodyMass() const;
     Point bodyCenter();
 
-    /// Scales every length, or the masses, from the base.
+    /// Scales every length, or the masses, from the base. Masses go by segment in the figure's order,
+    /// which need not be the order of the links.
     void scaleLengths(double factor);
     void scaleMasses(const std::vector<double>& grams);
-    double baseMassOf(std::size_t segment) const { return links[segment].baseMass; }
+    double baseMassOf(std::size_t segment) const;   ///< g
 
     bool isFixed() const { return fixed; }
 

@@ -1,0 +1,15 @@
+// Atomic file: a file is replaced as a whole or stays as it was.
+#pragma once
+
+#include <string>
+
+/// Gives a file new content: the content goes to a temporary file beside it, is flushed to the disk,
+/// and takes the file's place. A crash leaves the old file or the new one. Permissions are kept; a
+/// symbolic link stays, and what it points to is replaced. A device or a pipe is written to directly.
+///
+/// @throws InputError, naming the file and the reason; the file is then untouched and nothing is left
+///         beside it
+void replaceFile(const std::string& path, const std::string& content);
+
+/// The path that a path leads to when its last part is a symbolic link, followed as often as needed.
+std::string linkTarget(const std::string& path);

@@ -1,0 +1,43 @@
+// Inputs.
+#include "Inputs.h"
+
+#include "Names.h"
+#include "Strategies.h"
+
+Inputs gatherInputs(qmStaticStrength& analysis)
+{
+    Inputs inputs;
+    const qcFigure* figure = analysis.getHuman()->getFigure();
+    inputs.human = analysis.getHuman()->getName();
+    inputs.figure = figure->getName();
+    analysis.getGravity(inputs.gravity);
+    inputs.strategy = strategyText(analysis.getStrategy());
+
+    for (int i = 0; i < analysis.getNumLoads(); ++i) {
+        qcSite* site = analysis.getNthLoadSite(i);
+        qVector force;
+        if (!site || !analysis.getSiteLoad(site, force))
+            continue;
+        inputs.loads.push_back(
+            {keyOfSite(site), analysis.getLoadType(site), false, {}, force, analysis.getSiteWeight(site)});
+    }
+    for (int i = 0; i < analysis.getNumLoadsWithOffset(); ++i) {
+        const loadWithOffset* record = analysis.getNthLoadWithOffset(i);
+        inputs.loads.push_back(
+            {keyOfSite(record->site), record->type, true, record->offset, record->load, record->mass});
+    }
+    for (int i = 0; i < analysis.getNumDefinedTorques(); ++i) {
+        qcJoint* joint = analysis.getNthDefinedTorqueJoint(i);
+        qVector moment;
+        if (joint && analysis.getDefinedTorque(joint, moment))
+            inputs.torques.push_back({jointName(figure, joint), moment});
+    }
+    for (const char* key :
+         {"RightZelHandLoads", "RightZelHandLoadsLocal", "LeftZelHandLoads", "LeftZelHandLoadsLocal"}) {
+        qcValue value;
+        char* text;
+        if (figure->getProperty(key, &value) && value.get(text))
+            inputs.handLoads.push_back({key, text});
+    }
+    return inputs;
+}

@@ -1,0 +1,181 @@
+// Setup.
+#include "Setup.h"
+
+#include "Messages.h"
+#include "Names.h"
+#include "Parse.h"
+#include "Strategies.h"
+
+#include <map>
+
+namespace {
+
+// A load smaller than this, kgf, would not be found again in a saved scene.
+constexpr float kSmallestLoad = 1e-5f;
+
+bool endsWith(const std::string& text, const std::string& ending)
+{
+    return text.size() >= ending.size() && text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
+}
+
+// The sites that were given a load by this command line, and by which option.
+using Loaded = std::map<const qcSite*, std::string>;
+
+// Reads "SITE=…" of one load option. @return the site; null after an error
+qcSite* loadedSite(const std::string& option, const std::string& name, const Opened& opened, Loaded& loaded)
+{
+    qcSite* site = findSite(opened.human->getFigure(), name, option);
+    if (!site)
+        return nullptr;
+    const auto [earlier, isNew] = loaded.emplace(site, option);
+    if (isNew)
+        return site;
+    reportError(option + " " + name + ": the site has a load from " + earlier->second
+                + " already, and a site carries one load; add others with --offset-load.");
+    return nullptr;
+}
+
+void checkSize(const std::string& where, const Opened& opened, qcSite* site)
+{
+    qVector load;
+    if (opened.analysis->getSiteLoad(site, load) && load.mag() < kSmallestLoad)
+        reportError(where + ": a load of less than " + "0.00001 kgf is not kept; leave it out.");
+}
+
+void applyForces(const std::string& option, const std::vector<std::string>& texts, int kind, Opened& opened,
+                 Loaded& loaded)
+{
+    for (const std::string& text : texts) {
+        const std::optional<Assignment> parts = parseAssignment(option, text, "SITE=x,y,z");
+        if (!parts)
+            continue;
+        const std::string where = option + " " + parts->name;
+        qcSite* site = loadedSite(option, parts->name, opened, loaded);
+        const std::optional<qVector> force = parseVector(where, parts->value, "the force, kgf");
+        if (!site || !force)
+            continue;
+        opened.analysis->setLoad(site, *force, kind);
+        checkSize(where, opened, site);
+    }
+}
+
+void applyWeights(const std::vector<std::string>& texts, Opened& opened, Loaded& loaded)
+{
+    for (const std::string& text : texts) {
+        const std::optional<Assignment> parts = parseAssignment("--weight", text, "SITE=GRAMS");
+        if (!parts)
+            continue;
+        const std::string where = "--weight " + parts->name;
+        qcSite* site = loadedSite("--weight", parts->name, opened, loaded);
+        const std::optional<float> grams = parseWeight(where, parts->value);
+        if (!site || !grams)
+            continue;
+        opened.analysis->setWeightLoad(site, *grams);
+        checkSize(where, opened, site);
+    }
+}
+
+void applyOffsetLoads(const std::vector<std::string>& texts, Opened& opened)
+{
+    for (const std::string& text : texts) {
+        const std::optional<OffsetLoadText> load = parseOffsetLoad("--offset-load", text);
+        qcSite* site = load ? findSite(opened.human->getFigure(), load->site, "--offset-load") : nullptr;
+        if (!site)
+            continue;
+        if (load->isWeight)
+            opened.analysis->setWeightLoadWithOffset(site, load->offset, load->weight);
+        else
+            opened.analysis->setLoadWithOffset(site, load->offset, load->force, load->local ? 1 : 0);
+    }
+}
+
+void applyTorques(const std::vector<std::string>& texts, Opened& opened)
+{
+    std::map<const qcJoint*, bool> done;
+    for (const std::string& text : texts) {
+        const std::optional<Assignment> parts = parseAssignment("--torque", text, "JOINT=x,y,z");
+        if (!parts)
+            continue;
+        const std::string where = "--torque " + parts->name;
+        qcJoint* joint = findJoint(opened.human->getFigure(), parts->name, "--torque");
+        std::optional<qVector> torque = parseVector(where, parts->value, "the moment, N·m");
+        if (!joint || !torque)
+            continue;
+        if (!done.emplace(joint, true).second)
+            reportError(where + ": the joint's torque is given twice.");
+        else
+            opened.analysis->setDefinedTorque(joint, *torque);
+    }
+}
+
+}   // namespace
+
+bool openScene(const std::string& path, const std::string& humanName, Opened& opened)
+{
+    opened.scene.reset(qcScene::open(path.c_str()));
+    if (opened.scene)
+        opened.human = findHuman(*opened.scene, humanName);
+    return opened.human != nullptr;
+}
+
+// A new analysis, and setGravity() again, rebuild everything from the figure's lists and thereby
+// remove every earlier result. A stored strategy of an unknown name outlives only the first of them.
+void makeAnalysis(Opened& opened)
+{
+    opened.analysis = std::make_unique<qmStaticStrength>(opened.human);
+    const qmStaticStrength::Strategy restored = opened.analysis->getStrategy();
+    opened.analysis->setGravity(opened.scene->getGravity());
+    opened.analysis->setStrategy(restored);
+    if (opened.scene->getUnstoredStrategy(opened.human) == kUnstoredStrategyText)
+        opened.analysis->setStrategy(qmStaticStrength::HandsAndKnees);
+}
+
+void applyGravity(const ComputeOptions& options, Opened& opened)
+{
+    if (!options.gravity.empty())
+        if (const std::optional<qVector> gravity = parseVector("--gravity", options.gravity, "cm/s²"))
+            opened.scene->setGravity(*gravity);
+    makeAnalysis(opened);
+}
+
+void applyStrategy(const ComputeOptions& options, Opened& opened)
+{
+    if (options.strategy.empty()) {
+        if (strategyText(opened.analysis->getStrategy()) == "unknown")
+            reportError(std::string("the scene's human ") + opened.human->getName()
+                        + " has a strategy of an unknown name; choose one with --strategy.");
+        return;
+    }
+    const std::optional<qmStaticStrength::Strategy> strategy = parseStrategy(options.strategy);
+    if (!strategy)
+        return;
+    opened.analysis->setStrategy(*strategy);
+    const bool stored = *strategy != qmStaticStrength::HandsAndKnees;
+    opened.scene->setUnstoredStrategy(opened.human, stored ? "" : kUnstoredStrategyText);
+}
+
+void applyLoads(const ComputeOptions& options, Opened& opened)
+{
+    if (options.clearLoads) {
+        // the strategy in force stays, but its text goes with the loads
+        opened.analysis->clear();
+        opened.analysis->setStrategy(opened.analysis->getStrategy());
+    }
+    Loaded loaded;
+    applyForces("--load", options.loads, 0, opened, loaded);
+    applyForces("--local-load", options.localLoads, 1, opened, loaded);
+    applyWeights(options.weights, opened, loaded);
+    applyOffsetLoads(options.offsetLoads, opened);
+    applyTorques(options.torques, opened);
+}
+
+bool mayHoldScene(const std::string& option, const std::string& path)
+{
+    for (const char* ending : {".urdf", ".figure.json", ".roles.json"})
+        if (endsWith(path, ending)) {
+            reportError(option + ": " + quoted(path) + " is the name of a figure's file, not of a scene's; expected "
+                        + "a name like work.json.");
+            return false;
+        }
+    return true;
+}
