@@ -91,6 +91,12 @@ void qmStaticStrength::special_joint_forces(qcJointImp* other, qcJointImp* joint
 // walk to walk, so that a repeated walk allocates nothing.
 struct qmStaticStrength::Walk {
     struct Frame {
+        Frame(qcJointImp* ofJoint, qcSegmentImp* beyond, bool stopsThere, const qVector& position,
+              const qVector& startForce, const qVector& startMoment)
+            : joint(ofJoint), segment(beyond), stops(stopsThere), jointPos(position), force(startForce),
+              moment(startMoment)
+        {}
+
         qcJointImp* joint;
         qcSegmentImp* segment;   // beyond the joint
         bool stops;              // at this segment: the joints there are not walked
@@ -195,17 +201,17 @@ int qmStaticStrength::Walk::run(qcJointImp* joint, qcSiteImp* site, qVector& for
         // the whole segment is summed: its weight, then the result
         takeWeight(frame);
         store(frame);
-        const Frame finished = frame;
+        qVector carriedForce = frame.force;
+        const qVector carriedMoment = frame.moment;
         frames.pop_back();
         if (frames.empty()) {
-            force = finished.force;
-            moment = finished.moment;
+            force = carriedForce;
+            moment = carriedMoment;
             return 1;
         }
         Frame& inner = frames.back();
-        qVector carriedForce = finished.force;
         analysis.calcForcesAt(inner.jointPos, inner.sitePos, carriedForce, inner.force, inner.moment);
-        inner.moment.add(finished.moment);
+        inner.moment.add(carriedMoment);
     }
 }
 
@@ -218,8 +224,8 @@ bool qmStaticStrength::Walk::enter(qcJointImp* joint, qcSiteImp* site, const qVe
               site ? site->getFullName() : "???");
         return false;
     }
-    Frame frame{joint, beyond->getSegment(), false, positionOf(site), force, moment, nullptr, {}, nullptr};
-    frame.stops = frame.segment == stop;
+    qcSegmentImp* segment = beyond->getSegment();
+    Frame& frame = frames.emplace_back(joint, segment, segment == stop, positionOf(site), force, moment);
 
     qcValue torqueValue;
     qVector torque;
@@ -227,7 +233,6 @@ bool qmStaticStrength::Walk::enter(qcJointImp* joint, qcSiteImp* site, const qVe
         frame.moment.add(torque);
 
     goToSite(frame, frame.segment->getSites());
-    frames.push_back(frame);
     return true;
 }
 
@@ -249,6 +254,8 @@ void qmStaticStrength::Walk::goToSite(Frame& frame, qList* site)
 void qmStaticStrength::Walk::takeSiteLoads(Frame& frame)
 {
     qcSiteImp* site = static_cast<qcSiteImp*>(frame.site->getData());
+    if (!palmCentersMatter && site->getNumProperties() == 0)
+        return;
     const qVector noOffset;
     qcValue value;
     if (site->getProperty(kLoadKey, &value)) {

@@ -16,6 +16,10 @@ set(CMAKE_INSTALL_RPATH "$ORIGIN" "$ORIGIN/${sstr_lib_from_bin}")
 add_library(sstr_numbers INTERFACE)
 target_compile_options(sstr_numbers INTERFACE -ffp-contract=off)
 
+# Our libraries' functions are nobody's to replace, so they are called directly and may be inlined; and
+# a square root is an instruction. Neither changes a bit of a result.
+add_compile_options(-fno-semantic-interposition -fno-math-errno)
+
 # For our own sources: link it PRIVATE, and to a static library as $<BUILD_INTERFACE:sstr_warnings>.
 add_library(sstr_warnings INTERFACE)
 target_compile_options(sstr_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion

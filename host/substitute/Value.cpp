@@ -220,17 +220,21 @@ const char* qcValue::toText() const
     return text.c_str();
 }
 
-void* qcValue::operator new(std::size_t size)
+void* qcValue::spare = nullptr;
+
+void* qcValue::newMemory(std::size_t size)
 {
     return size == sizeof(qcValue) ? ValuePool::takeValue() : ::operator new(size);
 }
 
 void qcValue::operator delete(void* memory, std::size_t size)
 {
-    if (size == sizeof(qcValue))
-        ValuePool::giveValue(memory);
-    else
+    if (!ValuePool::kRecycles || size != sizeof(qcValue)) {
         ::operator delete(memory);
+        return;
+    }
+    *static_cast<void**>(memory) = spare;
+    spare = memory;
 }
 
 qcValue* dupval(const qcValue* value)

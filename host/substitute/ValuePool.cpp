@@ -5,25 +5,12 @@
 
 #include <new>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define QC_POOL_IS_HEAP 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QC_POOL_IS_HEAP 1
-#endif
-#endif
-
 #ifdef QC_POOL_IS_HEAP
 
 // Under the address sanitizer every block is the heap's own, so that a misuse is seen.
 void* ValuePool::takeValue()
 {
     return ::operator new(sizeof(qcValue));
-}
-
-void ValuePool::giveValue(void* memory)
-{
-    ::operator delete(memory);
 }
 
 char* ValuePool::takeText(std::size_t size)
@@ -98,11 +85,6 @@ BlockPool longTexts(kLongText);
 void* ValuePool::takeValue()
 {
     return values.take();
-}
-
-void ValuePool::giveValue(void* memory)
-{
-    values.give(memory);
 }
 
 char* ValuePool::takeText(std::size_t size)

@@ -76,7 +76,14 @@ public:
     /// Whether there is anything to free: a text or elements.
     bool ownsMemory() const { return kind == String || kind == List; }
 
-    static void* operator new(std::size_t size);
+    static void* operator new(std::size_t size)
+    {
+        if (!spare || size != sizeof(qcValue))
+            return newMemory(size);
+        void* memory = spare;
+        spare = *static_cast<void**>(memory);
+        return memory;
+    }
     static void* operator new(std::size_t, void* place) { return place; }
     static void operator delete(void* memory, std::size_t size);
 
@@ -89,6 +96,11 @@ public:
         qVector vector;
     };
 
+private:
+    static void* newMemory(std::size_t size);
+    static void* spare;   // the first of the free blocks; each begins with a pointer to the next
+
+public:
     std::int32_t kind = Empty;
     Payload payload;
     qcValue* next = nullptr;   ///< the element after this one in its list

@@ -32,12 +32,17 @@ Rotation product(const Rotation& first, const Rotation& second)
     return result;
 }
 
+bool isZero(const Point& p)
+{
+    return p[0] == 0 && p[1] == 0 && p[2] == 0;
+}
+
 // Turns a frame about its own coordinate axis k: with i, j the next two in the cycle x, y, z,
 //   row i := cos · row i + sin · row j        row j := cos · row j - sin · row i
-void turnAboutOwnAxis(Rotation& r, int k, double sine, double cosine)
+template <std::size_t k> void turnAboutOwnAxis(Rotation& r, double sine, double cosine)
 {
-    const std::size_t i = static_cast<std::size_t>((k + 1) % 3) * 3;
-    const std::size_t j = static_cast<std::size_t>((k + 2) % 3) * 3;
+    constexpr std::size_t i = (k + 1) % 3 * 3;
+    constexpr std::size_t j = (k + 2) % 3 * 3;
     for (std::size_t column = 0; column < 3; ++column) {
         const double a = r[i + column];
         const double b = r[j + column];
@@ -137,16 +142,27 @@ void Posture::walkSteps(Link& link, const Link& parent)
     Point position = parent.position;
     Rotation rotation = parent.rotation;
     for (const FastStep& step : link.steps) {
-        add(position, turned(step.offset, rotation));
+        if (!isZero(step.offset))
+            add(position, turned(step.offset, rotation));
         if (step.turned)
             rotation = product(step.rotation, rotation);
         if (step.kind < 0 || *step.angle == 0)
             continue;
-        if (step.kind < 3) {
-            const double angle = step.sign * *step.angle;
-            turnAboutOwnAxis(rotation, step.kind, std::sin(angle), std::cos(angle));
-        } else {
-            rotation = product(aboutAxis(step.axis, std::sin(*step.angle), std::cos(*step.angle)), rotation);
+        const double angle = step.sign * *step.angle;
+        const double sine = std::sin(angle);
+        const double cosine = std::cos(angle);
+        switch (step.kind) {
+        case 0:
+            turnAboutOwnAxis<0>(rotation, sine, cosine);
+            break;
+        case 1:
+            turnAboutOwnAxis<1>(rotation, sine, cosine);
+            break;
+        case 2:
+            turnAboutOwnAxis<2>(rotation, sine, cosine);
+            break;
+        default:
+            rotation = product(aboutAxis(step.axis, sine, cosine), rotation);
         }
     }
     link.position = position;
@@ -213,12 +229,17 @@ void Posture::writeTransforms()
         narrow(link.rotation, link.position, link.segment->globalTransform);
     for (const Place& place : places) {
         const Link& link = links[static_cast<std::size_t>(place.link)];
-        Point position = turned(place.offset, link.rotation);
-        add(position, link.position);
+        // a site is its segment's frame, moved and turned only where it differs
+        qMatrix& transform = place.site->globalTransform;
+        transform = link.segment->globalTransform;
+        Point position = link.position;
+        if (!isZero(place.offset)) {
+            add(position, turned(place.offset, link.rotation));
+            for (std::size_t i = 0; i < 3; ++i)
+                transform.m[3][i] = static_cast<float>(position[i]);
+        }
         if (place.turned)
-            narrow(product(place.rotation, link.rotation), position, place.site->globalTransform);
-        else
-            narrow(link.rotation, position, place.site->globalTransform);
+            narrow(product(place.rotation, link.rotation), position, transform);
     }
 }
 
