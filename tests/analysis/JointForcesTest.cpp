@@ -72,7 +72,7 @@ protected:
               const qVector& moment = {})
     {
         Sums sums{-1, force, moment};
-        sums.status = (analysis->*get(WalkMember()))(from, through, sums.force, sums.moment, stop, accumulate);
+        sums.status = callPrivate<WalkMember>(*analysis, from, through, sums.force, sums.moment, stop, accumulate);
         return sums;
     }
     Sums walk(const std::string& jointName, const std::string& siteKey, const std::string& stop = "",
@@ -1258,7 +1258,7 @@ TEST_F(StopSegmentJoints, WithTheShareZeroGiveNothingWhateverIsStored)
     share(kRightHip) = 0;
     EXPECT_THAT(components(walkToTrunk().force), ElementsAre(0, 0, 0));
     qVector force(1, 2, 3), moment(4, 5, 6);
-    (analysis->*get(SpecialMember()))(joint("waist"), joint("right_hip"), force, moment);
+    callPrivate<SpecialMember>(*analysis, joint("waist"), joint("right_hip"), force, moment);
     EXPECT_THAT(components(force), ElementsAre(0, 0, 0));
     EXPECT_THAT(components(moment), ElementsAre(0, 0, 0));
 }
@@ -1267,7 +1267,7 @@ TEST_F(StopSegmentJoints, GiveTheirShareOfForceAndMoment)
 {
     build(0);
     qVector force, moment;
-    (analysis->*get(SpecialMember()))(joint("waist"), joint("right_hip"), force, moment);
+    callPrivate<SpecialMember>(*analysis, joint("waist"), joint("right_hip"), force, moment);
     EXPECT_THAT(components(force), ElementsAre(1, -2, 0.5f));
     EXPECT_THAT(components(moment), ElementsAre(0.25f, 0.5f, 0.75f));
 }

@@ -554,6 +554,65 @@ TEST_F(Callbacks, CallbackEndsWithItsObjectThoughAnAssignedOneSharesIt)
     EXPECT_THAT(scripts, IsEmpty());
 }
 
+// anna shares what bert bound; bert goes on when anna goes.
+TEST_F(Callbacks, CallbackOutlivesAnObjectThatOnlySharesIt)
+{
+    load(twoParts("bert"));
+    qmStaticStrength* bert = analysis;
+    load(twoParts("anna"));
+    activateQuietly(*bert, "script");
+    *analysis = *bert;
+    dropAnalysis();   // anna
+    EXPECT_EQ(bert->isActive(), 1);
+    EXPECT_EQ(qcSim::step(1), 1);
+    EXPECT_THAT(log.takeTexts(), Not(IsEmpty()));   // it computed: two parts have no legs to stand on
+    EXPECT_THAT(scripts, ElementsAre("script"));
+    bert->deactivate();
+    EXPECT_EQ(qcSim::getNumBound(), 0);
+}
+
+TEST_F(Callbacks, DeactivatingOneOfTwoThatShareEndsItForBoth)
+{
+    load(twoParts("bert"));
+    qmStaticStrength* bert = analysis;
+    load(twoParts("anna"));
+    activateQuietly(*bert, "script");
+    *analysis = *bert;
+    analysis->deactivate();
+    EXPECT_EQ(bert->isActive(), 0);
+    EXPECT_EQ(qcSim::getNumBound(), 0);
+    bert->run_script();
+    EXPECT_THAT(scripts, IsEmpty());
+}
+
+TEST_F(Callbacks, CopyAssignedBackLeavesAllAsItWas)
+{
+    load(twoParts("anna"));
+    qcSite* site = static_cast<qcSite*>(figure->getSites()->getData());
+    const loadWithOffset* record = analysis->setLoadWithOffset(site, qVector(1, 2, 3), qVector(0, -1, 0));
+    activateQuietly(*analysis, "script");
+    const qmStaticStrength saved(*analysis);
+    *analysis = saved;
+    EXPECT_EQ(analysis->isActive(), 1);
+    EXPECT_EQ(analysis->getNthLoadWithOffset(0), record);
+    EXPECT_EQ(record->load[1], -1.0f);
+    EXPECT_EQ(qcSim::step(1), 1);
+    EXPECT_THAT(log.takeTexts(), Not(IsEmpty()));   // it computed: two parts have no legs to stand on
+    EXPECT_THAT(scripts, ElementsAre("script"));
+}
+
+TEST_F(Callbacks, CopyThatActivatedItselfUnbindsWhenItGoes)
+{
+    load(twoParts("anna"));
+    {
+        qmStaticStrength copy(*analysis);
+        activateQuietly(copy, "script");
+        EXPECT_EQ(qcSim::getNumBound(), 1);
+    }
+    EXPECT_EQ(qcSim::getNumBound(), 0);
+    EXPECT_EQ(qcSim::step(1), 0);
+}
+
 TEST_F(Callbacks, AssignmentToItselfChangesNothing)
 {
     load(twoParts());
@@ -595,6 +654,20 @@ TEST(StrategyNames, ValuesOutsideHaveNone)
 {
     EXPECT_EQ(qmStaticStrength::getStrategyName(qmStaticStrength::N_STRS), nullptr);
     EXPECT_EQ(qmStaticStrength::getStrategyName(qmStaticStrength::HandsAndKnees), nullptr);
+    for (const int value : {-1, 8, 100})
+        EXPECT_EQ(qmStaticStrength::getStrategyName(static_cast<qmStaticStrength::Strategy>(value)), nullptr);
+}
+
+TEST_F(Lifecycle, StrategyOutsideTheTableIsKeptAndComputesNothing)
+{
+    load(twoParts("anna"));
+    for (const int value : {-1, 8, 100}) {
+        const auto strategy = static_cast<qmStaticStrength::Strategy>(value);
+        analysis->setStrategy(strategy);
+        EXPECT_EQ(analysis->getStrategy(), strategy);
+        EXPECT_EQ(analysis->compute(), 1);
+        EXPECT_EQ(analysis->getStrategy(), strategy);
+    }
 }
 
 TEST(StrategyNames, LookUpIsExact)
@@ -770,7 +843,7 @@ TEST_F(Lifecycle, MissingScaleThatCannotBeMadeIsAnErrorAndTheObjectWorks)
     EXPECT_EQ(stored(figure, "SSTR_Strategy"), "\"Two Feet\"");
     EXPECT_EQ(qmStaticStrength::getHandle(human), analysis);
     EXPECT_EQ(analysis->setWeightLoad(site("hand.grip"), 500), 1);
-    EXPECT_EQ((analysis->*get(HumanInfoMember()))(), 0);
+    EXPECT_EQ(callPrivate<HumanInfoMember>(*analysis), 0);
     EXPECT_THAT(log.takeTexts(), ElementsAre("StaticStrength ERROR: cannot init AnthroScale(bert)"));
 }
 

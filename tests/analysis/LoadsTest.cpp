@@ -14,18 +14,6 @@ using ::testing::FloatEq;
 
 namespace {
 
-// Three sites on two segments; "hand.grip" is the first to be loaded in most tests.
-SmallFigure threeSites(const std::string& name = "man")
-{
-    SmallFigure figure(name);
-    figure.segment("hand", 500)
-        .site("hand", "grip", {0, 80, 0})
-        .site("hand", "tip", {0, 70, 0})
-        .segment("head", 4000)
-        .site("head", "top", {0, 180, 0});
-    return figure;
-}
-
 class Loads : public AnalysisTest {
 protected:
     void SetUp() override { load(threeSites()); }

@@ -11,17 +11,6 @@ using ::testing::FloatEq;
 
 namespace {
 
-SmallFigure threeSites(const std::string& name = "man")
-{
-    SmallFigure figure(name);
-    figure.segment("hand", 500)
-        .site("hand", "grip", {0, 80, 0})
-        .site("hand", "tip", {0, 70, 0})
-        .segment("head", 4000)
-        .site("head", "top", {0, 180, 0});
-    return figure;
-}
-
 class OffsetLoads : public AnalysisTest {
 protected:
     void SetUp() override { load(threeSites()); }

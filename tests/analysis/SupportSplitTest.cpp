@@ -76,7 +76,7 @@ protected:
         analysis->setStrategy(strategy);
         return split();
     }
-    Strategy split() { return (analysis->*get(SplitMember()))(); }
+    Strategy split() { return callPrivate<SplitMember>(*analysis); }
     qcSegment*& l5() { return analysis->*get(L5Member()); }
 };
 
@@ -350,7 +350,7 @@ protected:
     {
         EXPECT_NE(joint(jointName), nullptr) << jointName;
         const float share = analysis->getSplitFactor(joint(jointName), mode, name);
-        EXPECT_EQ((analysis->*get(AskMember()))(joint(jointName), mode, name), share);
+        EXPECT_EQ(callPrivate<AskMember>(*analysis, joint(jointName), mode, name), share);
         return share;
     }
 };

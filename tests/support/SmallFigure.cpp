@@ -201,3 +201,14 @@ SmallFigure smallBody(const std::string& name)
     body.pelvisSite("lower_torso.proximal").waist("waist").referenceSite("lower_torso.balance_point");
     return body;
 }
+
+SmallFigure threeSites(const std::string& name)
+{
+    SmallFigure figure(name);
+    figure.segment("hand", 500)
+        .site("hand", "grip", {0, 80, 0})
+        .site("hand", "tip", {0, 70, 0})
+        .segment("head", 4000)
+        .site("head", "top", {0, 180, 0});
+    return figure;
+}

@@ -69,3 +69,6 @@ private:
 /// proximal and distal. Joints: waist, t8_l5, solar_plexus, and on each side clavicle_joint,
 /// shoulder, wrist, hip, knee, ankle, ball. Angles: knees one (0), others none.
 SmallFigure smallBody(const std::string& name = "man");
+
+/// Three sites on two segments: hand.grip, hand.tip, head.top.
+SmallFigure threeSites(const std::string& name = "man");

@@ -8,35 +8,6 @@ namespace {
 
 constexpr double kRadiansPerDegree = 3.14159265358979323846 / 180.0;
 
-// p · rotation
-Point turned(const Point& p, const Rotation& r)
-{
-    return {p[0] * r[0] + p[1] * r[3] + p[2] * r[6], p[0] * r[1] + p[1] * r[4] + p[2] * r[7],
-            p[0] * r[2] + p[1] * r[5] + p[2] * r[8]};
-}
-
-void add(Point& p, const Point& q)
-{
-    for (std::size_t i = 0; i < 3; ++i)
-        p[i] += q[i];
-}
-
-// first · second: the rotation that turns by `first` and then by `second`
-Rotation product(const Rotation& first, const Rotation& second)
-{
-    Rotation result;
-    for (std::size_t row = 0; row < 3; ++row) {
-        const Point image = turned({first[3 * row], first[3 * row + 1], first[3 * row + 2]}, second);
-        std::copy(image.begin(), image.end(), result.begin() + static_cast<std::ptrdiff_t>(3 * row));
-    }
-    return result;
-}
-
-bool isZero(const Point& p)
-{
-    return p[0] == 0 && p[1] == 0 && p[2] == 0;
-}
-
 // Turns a frame about its own coordinate axis k: with i, j the next two in the cycle x, y, z,
 //   row i := cos · row i + sin · row j        row j := cos · row j - sin · row i
 template <std::size_t k> void turnAboutOwnAxis(Rotation& r, double sine, double cosine)

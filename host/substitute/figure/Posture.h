@@ -1,24 +1,13 @@
 // Posture: where the segments and sites of a figure are for its joint angles, root placement and scale.
 #pragma once
 
+#include "Frames.h"
+
 #include "qc/qcAnthroScale.h"
 #include "qc/qcFigure.h"
 
-#include <array>
 #include <unordered_map>
 #include <vector>
-
-/// A rotation in double precision, row vectors: row i is the image of axis i.
-using Rotation = std::array<double, 9>;
-using Point = std::array<double, 3>;
-
-constexpr Rotation kNoRotation = {1, 0, 0, 0, 1, 0, 0, 0, 1};
-
-/// The frame of a child in its parent's: p_parent = p_child · rotation + offset.
-struct Placement {
-    Point offset{0, 0, 0};   // cm
-    Rotation rotation = kNoRotation;
-};
 
 /// One step from a parent frame outward: a fixed placement, then a turn by one angle of the joint.
 struct Step {

@@ -19,28 +19,12 @@ std::size_t at(int index)
     return static_cast<std::size_t>(index);
 }
 
-// p · r
-Point turned(const Point& p, const Rotation& r)
-{
-    Point result{0, 0, 0};
-    for (std::size_t j = 0; j < 3; ++j)
-        result[j] = p[0] * r[j] + p[1] * r[3 + j] + p[2] * r[6 + j];
-    return result;
-}
-
 // A placement in a frame that is itself placed by `outer`:
 //   rotation = inner · outer        offset = inner offset · outer + outer offset
 Placement composed(const Placement& inner, const Placement& outer)
 {
-    Placement result;
-    for (std::size_t row = 0; row < 3; ++row) {
-        const Rotation& r = inner.rotation;
-        const Point image = turned({r[3 * row], r[3 * row + 1], r[3 * row + 2]}, outer.rotation);
-        std::copy(image.begin(), image.end(), result.rotation.begin() + static_cast<std::ptrdiff_t>(3 * row));
-    }
-    result.offset = turned(inner.offset, outer.rotation);
-    for (std::size_t i = 0; i < 3; ++i)
-        result.offset[i] += outer.offset[i];
+    Placement result{turned(inner.offset, outer.rotation), product(inner.rotation, outer.rotation)};
+    add(result.offset, outer.offset);
     return result;
 }
 
@@ -54,11 +38,6 @@ Placement inverse(const Placement& placement)
     const Point back = turned(placement.offset, result.rotation);
     result.offset = {0 - back[0], 0 - back[1], 0 - back[2]};
     return result;
-}
-
-bool isZero(const Point& p)
-{
-    return p[0] == 0 && p[1] == 0 && p[2] == 0;
 }
 
 std::string kilograms(double grams)
