@@ -18,6 +18,31 @@ bool endsWith(const std::string& text, const std::string& ending)
     return text.size() >= ending.size() && text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
 }
 
+// The number of elements of a saved list; -1 for a property that is no list, 0 without one.
+int entriesOf(const qcFigure& figure, const char* key)
+{
+    qcValue list;
+    if (!figure.getProperty(key, &list) || list.kind == qcValue::Empty)
+        return 0;
+    if (list.kind != qcValue::List)
+        return -1;
+    int count = 0;
+    for (const qcValue* entry = list.firstElement(); entry; entry = entry->next)
+        ++count;
+    return count;
+}
+
+// The analysis passes over what it cannot read, in part without a word; a user wants to know.
+void warnOfDropped(const qcFigure& figure, const std::string& key, int saved, int kept)
+{
+    const std::string where = "figure " + std::string(figure.getName()) + ": its property " + key;
+    if (saved < 0)
+        reportWarning(where + " is no list, so nothing was taken from it.");
+    else if (kept < saved)
+        reportWarning(where + " has " + std::to_string(saved) + " entries, of which " + std::to_string(saved - kept)
+                      + " cannot be read, or name what the figure does not have, or come twice; they were dropped.");
+}
+
 // The sites that were given a load by this command line, and by which option.
 using Loaded = std::map<const qcSite*, std::string>;
 
@@ -122,12 +147,19 @@ bool openScene(const std::string& path, const std::string& humanName, Opened& op
 // remove every earlier result. A stored strategy of an unknown name outlives only the first of them.
 void makeAnalysis(Opened& opened)
 {
+    const qcFigure& figure = *opened.human->getFigure();
+    const int savedLoads = entriesOf(figure, "SSTR_LoadList");
+    const int savedOffsetLoads = entriesOf(figure, "SSTR_LoadWithOffsetList");
+    const int savedTorques = entriesOf(figure, "SSTR_TorqueList");
     opened.analysis = std::make_unique<qmStaticStrength>(opened.human);
     const qmStaticStrength::Strategy restored = opened.analysis->getStrategy();
     opened.analysis->setGravity(opened.scene->getGravity());
     opened.analysis->setStrategy(restored);
     if (opened.scene->getUnstoredStrategy(opened.human) == kUnstoredStrategyText)
         opened.analysis->setStrategy(qmStaticStrength::HandsAndKnees);
+    warnOfDropped(figure, "SSTR_LoadList", savedLoads, opened.analysis->getNumLoads());
+    warnOfDropped(figure, "SSTR_LoadWithOffsetList", savedOffsetLoads, opened.analysis->getNumLoadsWithOffset());
+    warnOfDropped(figure, "SSTR_TorqueList", savedTorques, opened.analysis->getNumDefinedTorques());
 }
 
 void applyGravity(const ComputeOptions& options, Opened& opened)

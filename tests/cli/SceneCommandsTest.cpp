@@ -64,6 +64,23 @@ TEST_F(LoadsCommand, ShowsHandLoadsThatOtherToolsLeftOnTheFigure)
     EXPECT_NEAR(vectorOf(jointOf(compute(path), "right_wrist"), "force", "kgf")[1], -3.4575, roundingBound(5, 3.4575));
 }
 
+// The second of two offset loads names a site that the figure does not have; the analysis drops it
+// silently, the program does not.
+TEST_F(LoadsCommand, WarnsOfSavedEntriesThatTheAnalysisDropped)
+{
+    std::string text = contentOf(example("lift_box"));
+    const std::size_t list = text.find("SSTR_LoadWithOffsetList");
+    const std::size_t key = text.find("left_hand.left_palmcenter", list);
+    ASSERT_NE(key, std::string::npos);
+    text.replace(key, 9, "lost_hand");
+    const std::string figurePath = "../figures/human.urdf";
+    text.replace(text.find(figurePath), figurePath.size(), SSTR_SOURCE_DIR "/figures/human.urdf");
+    const ProgramRun run = runProgram({"loads", folder.write("dropped.json", text)});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.err, ::testing::HasSubstr("figure worker: its property SSTR_LoadWithOffsetList has 2 entries, of "
+                                              "which 1 cannot be read"));
+}
+
 TEST_F(LoadsCommand, LeavesTheSceneFileAlone)
 {
     const std::string scene = standingScene();

@@ -68,6 +68,18 @@ const std::vector<Wrong>& wrongModels()
          "model.urdf:6: joint \"j\": the name is used twice, first (line 5)."},
         {"NoUtf8", robot(link("\xff\xfe")), "model.urdf:2: link \"\\xff\\xfe\": expected a name in UTF-8"},
         // masses
+        {"OriginAttributeMisspelt",
+         robot(kTwoBodies
+               + "<joint name=\"j\" type=\"fixed\"><origin xyx=\"0 0 1\"/><parent link=\"a\"/><child "
+                 "link=\"b\"/></joint>"),
+         "model.urdf:4: joint \"j\": <origin> has no attribute \"xyx\". Expected xyz, rpy."},
+        {"LimitAttributeMisspelt",
+         robot(kTwoBodies
+               + "<joint name=\"j\" type=\"revolute\"><parent link=\"a\"/><child link=\"b\"/><axis xyz=\"0 1 0\"/>"
+                 "<limit lowr=\"-1\" upper=\"1\"/></joint>"),
+         "model.urdf:4: joint \"j\": <limit> has no attribute \"lowr\". Expected lower, upper, effort, velocity, "
+         "acceleration, "
+         "jerk."},
         {"NegativeMass", massText("-0.5"),
          "model.urdf:3: link \"a\": <mass value>: expected a mass of 0 kg or more, found \"-0.5\"."},
         {"MassAText", massText("heavy"),

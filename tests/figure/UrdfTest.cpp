@@ -266,14 +266,15 @@ TEST_F(UrdfTest, WhatStaticsDoesNotNeedMayBeWrong)
     EXPECT_EQ(notes(*figure), "");
 }
 
-TEST_F(UrdfTest, AnElementThatNobodyKnowsIsNoted)
+TEST_F(UrdfTest, AnElementThatNobodyKnowsIsNotedAndWarnedAboutWhenItsNameIsNearAKnownOne)
 {
     const auto figure =
         read("<robot name=\"r\"><link name=\"a\">\n<inertail><mass value=\"1\"/></inertail></link></robot>");
     ASSERT_NE(figure, nullptr);
     EXPECT_THAT(notes(*figure),
-                HasSubstr("line 2: link \"a\": the element <inertail> is not known and was passed over. "
+                HasSubstr("link \"a\": the element <inertail> (line 2) is not known and was passed over. "
                           "Close names: \"inertial\"."));
+    EXPECT_THAT(log.takeTexts(), ElementsAre(HasSubstr("model.urdf: link \"a\": the element <inertail> (line 2)")));
 }
 
 TEST_F(UrdfTest, AJointThatFollowsAnotherTurnsByItselfAndThatIsNoted)

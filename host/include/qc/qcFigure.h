@@ -206,7 +206,8 @@ public:
     int setName(const char* name) override;
 
     /// Places the root segment: its origin, cm, and its turn about the world's x, then y, then z
-    /// axis, degrees. @return 1; 0 after an error message when a number is not finite. A posed
+    /// axis, degrees. @return 1; 0 after an error message when a number is not finite,
+    /// a position beyond 1e5 cm or a turn beyond 1e4 degrees. A posed
     /// figure keeps the numbers and does not move.
     int setRoot(double x, double y, double z, double rxDegrees, double ryDegrees, double rzDegrees);
 

@@ -14,6 +14,9 @@
 
 namespace {
 
+constexpr double kFarthestRoot = 1e5;   // cm: positions are then good to 0.01 cm
+constexpr double kLargestTurn = 1e4;    // degrees
+
 constexpr double kDegreesPerRadian = 180.0 / 3.14159265358979323846;
 
 void freeList(qList** list)
@@ -153,9 +156,16 @@ void qcFigure::refresh(unsigned mask)
 
 int qcFigure::setRoot(double x, double y, double z, double rxDegrees, double ryDegrees, double rzDegrees)
 {
-    for (const double value : {x, y, z, rxDegrees, ryDegrees, rzDegrees})
-        if (!std::isfinite(value))
-            return error("figure %s: the root's position and turn must be finite numbers.", getName());
+    for (const double value : {x, y, z})
+        if (!(std::fabs(value) <= kFarthestRoot))
+            return error(
+                "figure %s: expected a root position within %g cm of the origin, found %g. Farther out, single "
+                "precision cannot tell the parts of a body apart.",
+                getName(), kFarthestRoot, value);
+    for (const double value : {rxDegrees, ryDegrees, rzDegrees})
+        if (!(std::fabs(value) <= kLargestTurn))
+            return error("figure %s: expected a turn of the root of at most %g degrees, found %g.", getName(),
+                         kLargestTurn, value);
     posture->rootPosition = {x, y, z};
     posture->rootDegrees = {rxDegrees, ryDegrees, rzDegrees};
     posture->onFloor = false;

@@ -4,6 +4,8 @@
 #include "Files.h"
 #include "InputError.h"
 
+#include "qc/qcMessages.h"
+
 #include <tinyxml2.h>
 
 #include <algorithm>
@@ -119,14 +121,36 @@ private:
         return first;
     }
 
-    // Misspelt elements would be lost without a word.
+    // Misspelt elements would be lost without a word: one that is near a known name is warned about.
     void noteUnknown(const XMLElement& element, const std::string& who, const std::vector<std::string>& known)
     {
-        for (const XMLElement* e = element.FirstChildElement(); e; e = e->NextSiblingElement())
-            if (std::find(known.begin(), known.end(), e->Name()) == known.end())
-                outline.notes.push_back("line " + std::to_string(e->GetLineNum()) + ": " + who + ": the element <"
-                                        + e->Name() + "> is not known and was passed over."
-                                        + closeNames(e->Name(), known));
+        for (const XMLElement* e = element.FirstChildElement(); e; e = e->NextSiblingElement()) {
+            if (std::find(known.begin(), known.end(), e->Name()) != known.end())
+                continue;
+            const std::string close = closeNames(e->Name(), known);
+            const std::string line = inLine(e->GetLineNum());
+            const std::string text =
+                who + ": the element <" + e->Name() + ">" + line + " is not known and was passed over.";
+            outline.notes.push_back(text + close);
+            if (!close.empty())
+                warning("%s: %s%s", file.c_str(), text.c_str(), close.c_str());
+        }
+    }
+
+    // A misspelt attribute would leave its default in force.
+    void checkAttributes(const XMLElement& element, const std::string& who, const std::vector<std::string>& known) const
+    {
+        for (const tinyxml2::XMLAttribute* a = element.FirstAttribute(); a; a = a->Next()) {
+            const std::string name = a->Name();
+            const bool foreign = name.find(':') != std::string::npos;
+            if (foreign || std::find(known.begin(), known.end(), name) != known.end())
+                continue;
+            std::string expected;
+            for (const std::string& k : known)
+                expected += (expected.empty() ? "" : ", ") + k;
+            fail(element.GetLineNum(), who + ": <" + element.Name() + "> has no attribute " + inQuotes(name)
+                                           + ". Expected " + expected + ".");
+        }
     }
 
     double number(const NumberText& word, int line, const std::string& what) const
@@ -166,6 +190,8 @@ private:
     UrdfPoseText pose(const XMLElement* origin, const std::string& who) const
     {
         UrdfPoseText result;
+        if (origin)
+            checkAttributes(*origin, who, {"xyz", "rpy"});
         if (origin && origin->Attribute("xyz"))
             result.xyz = numbers(*origin, "xyz", 3, who, kLargestNumber);
         if (origin && origin->Attribute("rpy"))
@@ -188,6 +214,7 @@ private:
                     mass ? mass->GetLineNum() : inertial->GetLineNum(),
                     who + ": its <inertial> tells no mass. Expected <mass value=\"…\"/> in kilograms, or no <inertial> "
                         + "for a link without mass.");
+            checkAttributes(*mass, who, {"value"});
             link.hasInertial = true;
             link.mass = numbers(*mass, "value", 1, who, kLargestNumber)[0];
             if (number(link.mass, mass->GetLineNum(), who) < 0)
@@ -270,6 +297,7 @@ private:
         if (const XMLElement* axis = only(element, "axis", who)) {
             if (!axis->Attribute("xyz"))
                 fail(axis->GetLineNum(), who + ": its <axis> tells no direction. Expected <axis xyz=\"x y z\"/>.");
+            checkAttributes(*axis, who, {"xyz"});
             joint.axis = numbers(*axis, "xyz", 3, who, kLargestNumber);
             double square = 0;
             for (const NumberText& word : joint.axis)
@@ -286,6 +314,7 @@ private:
         if (!limit)
             fail(joint.line, who + ": it is revolute and has no limits. Expected <limit lower=\"…\" upper=\"…\"/> in "
                                  + "radians, or type=\"continuous\".");
+        checkAttributes(*limit, who, {"lower", "upper", "effort", "velocity", "acceleration", "jerk"});
         const double anything = HUGE_VAL;   // huge limits stand for none in published models
         joint.lower = limit->Attribute("lower") ? numbers(*limit, "lower", 1, who, anything)[0] : "0";
         joint.upper = limit->Attribute("upper") ? numbers(*limit, "upper", 1, who, anything)[0] : "0";

@@ -149,13 +149,14 @@ void replaceFile(const std::string& path, const std::string& content)
         throw InputError("expected the name of a file to write, found an empty text.");
     const std::string target = linkTarget(path);
     struct stat old;
+    // a link to an open pipe, as /dev/stdout is one, has a target that is no path
+    if (::stat(path.c_str(), &old) == 0 && !S_ISREG(old.st_mode) && !S_ISDIR(old.st_mode))
+        return writeDirectly(path, content);
     const bool exists = ::stat(target.c_str(), &old) == 0;
     if (!exists && errno != ENOENT && errno != ENOTDIR && errno != EACCES)
         failWith(path, errno);
     if (exists && S_ISDIR(old.st_mode))
         fail(path, "it is a folder.");
-    if (exists && !S_ISREG(old.st_mode))
-        return writeDirectly(path, content);
     if (exists && ::access(target.c_str(), W_OK) != 0)
         failWith(path, errno);   // a write-protected file is not to be replaced
 
