@@ -86,7 +86,7 @@ TEST_F(SceneSave, ADiskThatIsFullKeepsTheOldFile)
 TEST_F(SceneSave, AFullDeviceIsSaid)
 {
     if (!fs::is_character_file("/dev/full"))
-        GTEST_SKIP() << "there is no /dev/full here";
+        FAIL() << "there is no /dev/full here";
     EXPECT_EQ(failure("/dev/full"), "/dev/full: cannot be written: No space left on device.");
     EXPECT_TRUE(fs::is_character_file("/dev/full"));   // a device is never replaced
 }
