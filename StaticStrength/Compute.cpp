@@ -4,6 +4,7 @@
 #include "ForceMoment.h"
 #include "MissingParts.h"
 #include "Units.h"
+#include "Vectors.h"
 #include "qmStaticStrength.h"
 
 #include <cstdio>
@@ -14,18 +15,6 @@ namespace {
 constexpr float kMomentToKgfCm = static_cast<float>(1.0 / (double(STD_G) * 0.0001));
 
 constexpr float kKgfCmToStored = 0.01f;   // required: sitting hip moments are stored scaled by this
-
-qVector difference(qVector a, const qVector& b)
-{
-    a.sub(b);
-    return a;
-}
-
-qVector unit(qVector v)
-{
-    v.normalize();
-    return v;
-}
 
 }   // namespace
 

@@ -1,6 +1,8 @@
 // Diagnostics.
 #include "Diagnostics.h"
 
+#include "PointNumbers.h"
+
 #include <cstdio>
 
 int segmentOnly = 0;
@@ -8,6 +10,8 @@ int debugPrint = 0;
 
 void printVector(const char* label, const qVector& vector)
 {
-    if (debugPrint)
-        std::printf("%s[%f][%f][%f]\n", label, double(vector[0]), double(vector[1]), double(vector[2]));
+    if (!debugPrint)
+        return;
+    const PointNumbers inForce;
+    std::printf("%s[%f][%f][%f]\n", label, double(vector[0]), double(vector[1]), double(vector[2]));
 }

@@ -1,31 +1,16 @@
 // Hand loads.
 #include "HandLoads.h"
 
+#include "PointNumbers.h"
+
 #include <cstdio>
 #include <cstdlib>
-#include <locale.h>
 
 namespace {
 
 // On the figure: by hand, the load and whether it is given in the palm's axes.
 constexpr const char* kHandLoadKeys[] = {"RightZelHandLoads", "LeftZelHandLoads"};
 constexpr const char* kHandLoadLocalKeys[] = {"RightZelHandLoadsLocal", "LeftZelHandLoadsLocal"};
-
-// In force for the calling thread while it lives: numbers have a decimal point.
-class PointNumbers {
-public:
-    PointNumbers()
-    {
-        static const locale_t pointLocale = newlocale(LC_ALL_MASK, "C", nullptr);
-        callers = uselocale(pointLocale);
-    }
-    ~PointNumbers() { uselocale(callers); }
-    PointNumbers(const PointNumbers&) = delete;
-    PointNumbers& operator=(const PointNumbers&) = delete;
-
-private:
-    locale_t callers;
-};
 
 // Reads a text property of the figure; null unless it is there and a text.
 char* readText(const qcFigure* figure, const char* key, qcValue& value)

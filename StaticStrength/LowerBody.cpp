@@ -5,6 +5,7 @@
 #include "FigureParts.h"
 #include "MissingParts.h"
 #include "Units.h"
+#include "Vectors.h"
 #include "qmStaticStrength.h"
 
 namespace {
@@ -38,24 +39,6 @@ struct Body {
     qVector hPointPos;    // cm
     qVector across;       // the lower torso's x axis
 };
-
-qVector scaled(qVector v, float factor)
-{
-    v.scale(factor);
-    return v;
-}
-
-qVector difference(qVector a, const qVector& b)
-{
-    a.sub(b);
-    return a;
-}
-
-qVector crossProduct(qVector a, const qVector& b)
-{
-    a.cross(b);
-    return a;
-}
 
 // A quotient in single precision, turned into kgf in double, narrowed.
 float toKgf(float quotient)

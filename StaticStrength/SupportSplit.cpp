@@ -2,6 +2,7 @@
 #include "SupportSplit.h"
 
 #include "FigureParts.h"
+#include "Vectors.h"
 #include "qmStaticStrength.h"
 
 #include <cmath>
@@ -15,18 +16,14 @@ enum Share { kLeftHip = 0, kRightHip = 1, kLeftClavicle = 2, kRightClavicle = 3 
 constexpr double kEqualKnees = 0.1;   // rad: knees that differ by less share the body equally
 
 //   p - (p · n) n        n: unit vector
-qVector projectOntoPlane(qVector p, const qVector& n)
+qVector projectOntoPlane(const qVector& p, const qVector& n)
 {
-    qVector along = n;
-    along.scale(p.dotProd(n));
-    p.sub(along);
-    return p;
+    return difference(p, scaled(n, p.dotProd(n)));
 }
 
-float distance(qVector a, const qVector& b)
+float distance(const qVector& a, const qVector& b)
 {
-    a.sub(b);
-    return a.mag();
+    return difference(a, b).mag();
 }
 
 // Required: the complement of a share is taken in double, then narrowed.

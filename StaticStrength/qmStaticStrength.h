@@ -202,6 +202,17 @@ public:
     /// @return 1 when at least one of the three lists was there and restored whole, else 0
     int reset();
 
+    // ---- Report ---------------------------------------------------------------------------------
+
+    /// The settings as text, a line a call: each load of the list, the strategy, gravity. Loads with
+    /// offsets and torques are not in it. One report at a time for the whole module: it goes on whichever
+    /// analysis is asked, with the loads as they were at its start and the asked one's strategy and gravity.
+    /// @param start  not 0: begins anew; 0: goes on
+    /// @return the line, without a line break, in a buffer of the module that is good until the next
+    ///         call; null when the report is over or was never begun. "No loads." comes without a line
+    ///         for the strategy after it
+    char* reportLoads(int start = 0);
+
     // ---- Compute --------------------------------------------------------------------------------
 
     /// Analyses the human in its present posture and leaves the results on the joints. Joints that the
@@ -267,6 +278,17 @@ private:
     void computeSittingNoFeet(qVector& force, qVector& moment);
     void computeHandsAndKnees(qVector& force, qVector& moment);
     void calcLowerBodyFM_URmethod();
+
+    // Two further methods for the legs, for callers that invoke them directly: compute() does not.
+    // HipKneeAnkle.h tells the first one's state.
+    void calcHipKneeAnkleForcesMoments();
+    void createAndSetupWeights();
+    void solveReactionForces();
+    void computeForcesAtKnee();
+    void setSiteLoads();
+    void calcHipKneeAnkFMfor2FeetStgy();
+    void computeFMforLegJoint(qcJoint* joint, qcSegment* segment, qVector& inForce, qVector& inPoint, qVector& outForce,
+                              qVector& outMoment, qVector& outPoint);
 
     // Restoring from the kept lists.
     int restoreLoads(qcValue& list);
