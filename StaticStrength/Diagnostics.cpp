@@ -12,6 +12,6 @@ void printVector(const char* label, const qVector& vector)
 {
     if (!debugPrint)
         return;
-    const PointNumbers inForce;
+    const PointNumbers pointNumbers;
     std::printf("%s[%f][%f][%f]\n", label, double(vector[0]), double(vector[1]), double(vector[2]));
 }

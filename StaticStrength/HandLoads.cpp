@@ -34,7 +34,7 @@ qVector readHandLoad(const qcFigure* figure, qcSide hand)
     float x = kNoHandLoad, y = 0.0f, z = 0.0f;
     int count = 0;
     if (text) {
-        const PointNumbers inForce;
+        const PointNumbers pointNumbers;
         count = std::sscanf(text, "%f %f %f", &x, &y, &z);
     }
     return count == 1 ? qVector(0.0f, x, 0.0f) : qVector(x, y, z);

@@ -28,7 +28,7 @@ double kilograms(const qcSegmentImp* segment)
 
 void printScalar(const char* label, float value)
 {
-    const PointNumbers inForce;
+    const PointNumbers pointNumbers;
     std::printf("%s%f\n", label, double(value));
 }
 
@@ -36,7 +36,7 @@ void printDebug(const char* label, const qVector& vector)
 {
     if (!debugPrint)
         return;
-    const PointNumbers inForce;
+    const PointNumbers pointNumbers;
     std::printf("%s: %f,%f,%f\n", label, double(vector[0]), double(vector[1]), double(vector[2]));
 }
 
@@ -67,7 +67,7 @@ bool setUp(const qcFigure& figure, const qVector& gravity)
                           [](const qcSegmentImp* s) { humWt = static_cast<float>(double(humWt) + kilograms(s)); });
 
     // what lies above the pelvis, on one leg. Required: the right leg, doubled, stands for both.
-    const auto takeOff = [](double weight) { humUBWt = static_cast<float>(double(humUBWt) - weight); };
+    const auto takeOff = [](double kg) { humUBWt = static_cast<float>(double(humUBWt) - kg); };
     humUBWt = humWt;
     takeOff(kilograms(toes) * 2);
     takeOff(kilograms(foot) * 2);
@@ -120,14 +120,15 @@ void qmStaticStrength::createAndSetupWeights()
     setUp(*figure, gravity);
 }
 
-// The balance about the hip.
+// The balance about the hip. R is what the ankle carries, kgf.
 //
 //   R   = (|calf - hip| calfWt + |thigh - hip| thighWt + |upper body - hip| humUBWt) / |ankle - hip|
-//   ankle reaction = -R · down, its y  + thigh and calf
-//   hip reaction   = -(calf + thigh + half the pelvis + upper body + R · up)
+//   ankle reaction = -R gravityDir, its y plus those of thigh and calf
+//   hip reaction   = -(calf + thigh + half the pelvis + upper body + R (0, 1, 0))
 //
-// Required: the arms are the whole distances from the hip, not their horizontal parts; only the y of
-// the pelvis is halved, in the variable itself, so that a second solution halves it again.
+// Required: the arms are the whole distances from the hip, not their horizontal parts; R acts along the
+// world's y axis at the hip, whatever gravity's direction; only the y of the pelvis is halved, in the
+// variable itself, so that a second solution halves it again.
 void qmStaticStrength::solveReactionForces()
 {
     const float upperBodyArm = difference(upperBodyWtPt, hipPt).mag();
@@ -168,7 +169,8 @@ void qmStaticStrength::computeForcesAtKnee()
     printDebug("Knee Reaction", kneeReaction);
 }
 
-// The results of the last run, whichever analysis made it, as loads. A site that is missing gets none.
+// The present hip and ankle reactions and thigh weight, whichever analysis left them, as loads. A site that
+// is missing gets none. Required: the ankle's reaction goes to the shank's upper end.
 void qmStaticStrength::setSiteLoads()
 {
     qcSite* pelvis = findSiteByKey(figure, "lower_torso.center_of_mass");

@@ -9,13 +9,13 @@
 
 extern qVector gravityDir;   ///< along gravity, of length 1
 
-extern float humWt;     ///< the whole figure, kg
-extern float humUBWt;   ///< what one leg carries from above the pelvis, kg
-extern float pelvisWt;
-extern float thighWt;   ///< of the right leg, as all below
-extern float calfWt;
+extern float humWt;      ///< the whole figure, kg
+extern float humUBWt;    ///< what one leg carries from above the pelvis, kg
+extern float pelvisWt;   ///< lower_torso, kg
+extern float thighWt;    ///< right_upper_leg, kg
+extern float calfWt;     ///< right_lower_leg, kg
 
-extern qVector upperBodyWtVec;   ///< the weights as forces
+extern qVector upperBodyWtVec;   ///< humUBWt, pelvisWt, thighWt and calfWt as forces along gravity
 extern qVector pelvisWtVec;      ///< its y component is halved by each solveReactionForces()
 extern qVector thighWtVec;
 extern qVector calfWtVec;
@@ -25,8 +25,8 @@ extern qVector pelvisWtPt;      ///< lower_torso.h_point
 extern qVector hipPt;           ///< the same: the pivot
 extern qVector anklePt;         ///< right_lower_leg.distal
 extern qVector kneePt;          ///< right_lower_leg.proximal; enters nothing
-extern qVector thighWtPt;       ///< centre of mass
-extern qVector calfWtPt;
+extern qVector thighWtPt;       ///< right_upper_leg's centre of mass
+extern qVector calfWtPt;        ///< right_lower_leg's centre of mass
 
 extern qVector ankleReaction;
 extern qVector hipReaction;

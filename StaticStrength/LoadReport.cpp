@@ -55,7 +55,8 @@ struct Report {
     {
         std::size_t room = kLineSize - 1 - before.size() - after.size();
         if (name.size() > room) {
-            while (room > 0 && (static_cast<unsigned char>(name[room]) & 0xC0u) == 0x80u)   // UTF-8 goes on here
+            // a character of UTF-8 has at most three bytes that go on with it
+            for (int i = 0; i < 3 && (static_cast<unsigned char>(name[room]) & 0xC0u) == 0x80u; ++i)
                 --room;
             name.resize(room);
         }
@@ -73,7 +74,7 @@ Report& theReport()
 // "(x, y, z)" with two decimals.
 std::string vectorText(const qVector& v)
 {
-    char text[160];   // three of the longest floats have 132 characters
+    char text[160];   // with three of the longest floats it has 135 characters
     std::snprintf(text, sizeof text, "(%.2f, %.2f, %.2f)", double(v[0]), double(v[1]), double(v[2]));
     return text;
 }
@@ -112,7 +113,7 @@ char* writeStrategy(Report& report, const qcFigure* figure)
 char* qmStaticStrength::reportLoads(int start)
 {
     Report& report = theReport();
-    const PointNumbers inForce;
+    const PointNumbers pointNumbers;
     if (start != 0) {
         if (!report.begin(figure))
             return noLoads;

@@ -8,14 +8,21 @@
 #include "Vectors.h"
 #include "qmStaticStrength.h"
 
+#include <string>
+
 namespace {
 
-constexpr const char* kConsequence = "the legs cannot be computed";
+constexpr const char* kConsequence = "the two-feet legs cannot be computed";
 
-// The site of a joint on a segment, which has to be there.
-qcSiteImp* jointSite(MissingParts& missing, const qcJointImp* joint, const char* role, const qcSegmentImp* segment)
+constexpr const char* kSideNames[] = {"right", "left"};   // by qcSide
+
+// The sites that bound a leg's segment, which have to be there.
+void checkEnds(MissingParts& missing, const qcSegmentImp* segment)
 {
-    return missing.check(siteOnSegment(joint, segment), role, segment ? " on its segment" : " without its segment");
+    if (!segment)
+        return;
+    missing.check(siteOfSegment(segment, "proximal"), segment->getName(), ".proximal");
+    missing.check(siteOfSegment(segment, "distal"), segment->getName(), ".distal");
 }
 
 /// The lower torso: what is shared between the hips, and where they are.
@@ -23,7 +30,7 @@ struct Pelvis {
     qcSegmentImp* segment;
     qcSiteImp *waist, *hip[2];   // on the segment; by qcSide
     qVector weight, center;      // kgf; cm
-    qVector waistForce;          // kgf, the walk's result; its moment enters nothing
+    qVector waistForce;          // kgf, the walk's result
     float share[2];              // of the waist's load, by qcSide
 };
 
@@ -64,40 +71,51 @@ qVector computeHip(qmStaticStrength& analysis, const Pelvis& pelvis, qcSide side
     return force;
 }
 
+/// All that the method reads.
+struct TwoLegs {
+    Pelvis pelvis;
+    qcSegmentImp *upper[2], *lower[2];   // by qcSide
+};
+
+// Finds every part. @return false, after an error message that names all that is missing
+bool gather(qcHuman& human, TwoLegs& legs)
+{
+    MissingParts missing;
+    const qcFigure& figure = *human.getFigure();
+    const auto segment = [&](const char* name) { return missing.check(figure.findSegment(name), "segment ", name); };
+    legs.pelvis.segment = segment("lower_torso");
+    legs.upper[qcRight] = segment("right_upper_leg");
+    legs.lower[qcRight] = segment("right_lower_leg");
+    legs.upper[qcLeft] = segment("left_upper_leg");
+    legs.lower[qcLeft] = segment("left_lower_leg");
+    segment("left_foot");
+    segment("right_foot");
+
+    legs.pelvis.waist =
+        missing.check(siteOnSegment(human.getWaistJoint(), legs.pelvis.segment), "waist", " on lower_torso");
+    for (const qcSide side : {qcRight, qcLeft}) {
+        const char* name = kSideNames[side];
+        legs.pelvis.hip[side] =
+            missing.check(siteOnSegment(human.getHipJoint(side), legs.pelvis.segment), name, " hip on lower_torso");
+        missing.check(siteOnSegment(human.getKneeJoint(side), legs.upper[side]), name, " knee on the upper leg");
+        missing.check(siteOnSegment(human.getAnkleJoint(side), legs.lower[side]), name, " ankle on the lower leg");
+        checkEnds(missing, legs.upper[side]);
+        checkEnds(missing, legs.lower[side]);
+    }
+    return !missing.report(kConsequence);
+}
+
 }   // namespace
 
 void qmStaticStrength::calcHipKneeAnkFMfor2FeetStgy()
 {
-    MissingParts missing;
-    const qcFigure& itsFigure = *human->getFigure();
-    const auto segment = [&](const char* name) { return missing.check(itsFigure.findSegment(name), "segment ", name); };
-    Pelvis pelvis;
-    pelvis.segment = segment("lower_torso");
-    qcSegmentImp *upper[2], *lower[2];
-    upper[qcRight] = segment("right_upper_leg");
-    lower[qcRight] = segment("right_lower_leg");
-    upper[qcLeft] = segment("left_upper_leg");
-    lower[qcLeft] = segment("left_lower_leg");
-    segment("left_foot");
-    segment("right_foot");
-    pelvis.waist = jointSite(missing, human->getWaistJoint(), "waist", pelvis.segment);
-    for (const qcSide side : {qcRight, qcLeft}) {
-        const bool right = side == qcRight;
-        pelvis.hip[side] =
-            jointSite(missing, human->getHipJoint(side), right ? "right hip" : "left hip", pelvis.segment);
-        jointSite(missing, human->getKneeJoint(side), right ? "right knee" : "left knee", upper[side]);
-        jointSite(missing, human->getAnkleJoint(side), right ? "right ankle" : "left ankle", lower[side]);
-        for (const qcSegmentImp* part : {upper[side], lower[side]})
-            for (const char* end : {"proximal", "distal"})
-                if (part)
-                    missing.check(siteOfSegment(part, end), part->getName(), end[0] == 'p' ? ".proximal" : ".distal");
-    }
-    if (missing.report(kConsequence))
+    TwoLegs legs;
+    if (!gather(*human, legs))
         return;
-
+    Pelvis& pelvis = legs.pelvis;
     pelvis.weight = weightToLoad(gravity, pelvis.segment->getMass());
     pelvis.center = centerOfMassInWorld(pelvis.segment);
-    qVector waistMoment;
+    qVector waistMoment;   // enters nothing
     getJointForces(human->getWaistJoint(), pelvis.waistForce, waistMoment);
     for (const qcSide side : {qcLeft, qcRight})
         pelvis.share[side] = get_split_factor(human->getHipJoint(side), kStoredResult, "waist");
@@ -108,9 +126,9 @@ void qmStaticStrength::calcHipKneeAnkFMfor2FeetStgy()
     for (const qcSide side : {qcLeft, qcRight}) {
         qVector hipPos = positionOf(pelvis.hip[side]);
         qVector kneeForce, kneeMoment, kneePos, ankleForce, ankleMoment, anklePos;
-        computeFMforLegJoint(human->getKneeJoint(side), upper[side], hipForce[side], hipPos, kneeForce, kneeMoment,
+        computeFMforLegJoint(human->getKneeJoint(side), legs.upper[side], hipForce[side], hipPos, kneeForce, kneeMoment,
                              kneePos);
-        computeFMforLegJoint(human->getAnkleJoint(side), lower[side], kneeForce, kneePos, ankleForce, ankleMoment,
+        computeFMforLegJoint(human->getAnkleJoint(side), legs.lower[side], kneeForce, kneePos, ankleForce, ankleMoment,
                              anklePos);
     }
 }
@@ -125,15 +143,17 @@ void qmStaticStrength::computeFMforLegJoint(qcJoint* joint, qcSegment* segment, 
                                             qVector& outForce, qVector& outMoment, qVector& outPoint)
 {
     MissingParts missing;
-    qcSiteImp* jointsSite = jointSite(missing, joint, joint ? joint->getName() : "joint", segment);
-    const qcSiteImp* proximal = segment ? siteOfSegment(segment, "proximal") : nullptr;
-    const qcSiteImp* distal = segment ? siteOfSegment(segment, "distal") : nullptr;
-    if (segment) {
-        missing.check(proximal, segment->getName(), ".proximal");
-        missing.check(distal, segment->getName(), ".distal");
+    missing.check(joint, "the joint", "");
+    missing.check(segment, "the segment", "");
+    qcSiteImp* jointsSite = siteOnSegment(joint, segment);
+    if (joint && segment) {
+        missing.check(jointsSite, joint->getName(), std::string(" on ").append(segment->getName()).c_str());
+        checkEnds(missing, segment);
     }
     if (missing.report(kConsequence))
         return;
+    const qcSiteImp* proximal = siteOfSegment(segment, "proximal");
+    const qcSiteImp* distal = siteOfSegment(segment, "distal");
 
     qVector weight = weightToLoad(gravity, segment->getMass());
     qVector center = centerOfMassInWorld(segment);

@@ -205,12 +205,19 @@ public:
     // ---- Report ---------------------------------------------------------------------------------
 
     /// The settings as text, a line a call: each load of the list, the strategy, gravity. Loads with
-    /// offsets and torques are not in it. One report at a time for the whole module: it goes on whichever
-    /// analysis is asked, with the loads as they were at its start and the asked one's strategy and gravity.
+    /// offsets and torques are not in it.
+    ///
+    ///   "hand.grip\tWeight: 1500.0 gr"      "hand.grip\tLocal Load: (1.00, 0.00, -2.50) Kg-F", or Global;
+    ///   "(Error)"                           an entry that cannot be read, or of a load below 1e-5 kgf
+    ///   "No loads."                         no list: gravity comes next, without a line for the strategy
+    ///   "Strategy: \"Two Feet\""            or "(No Strategy Specified)"
+    ///   "Gravity: (0.00, -980.66, 0.00) cm/sec^2"
+    ///
+    /// One report at a time for the whole module: it goes on whichever analysis is asked, with the loads as
+    /// they were at its start and the asked one's strategy and gravity.
     /// @param start  not 0: begins anew; 0: goes on
-    /// @return the line, without a line break, in a buffer of the module that is good until the next
-    ///         call; null when the report is over or was never begun. "No loads." comes without a line
-    ///         for the strategy after it
+    /// @return the line, without a line break, in a buffer of the module that is good until the next call; a
+    ///         site key too long for its 2047 characters is cut. Null when the report is over or was never begun
     char* reportLoads(int start = 0);
 
     // ---- Compute --------------------------------------------------------------------------------
@@ -279,8 +286,7 @@ private:
     void computeHandsAndKnees(qVector& force, qVector& moment);
     void calcLowerBodyFM_URmethod();
 
-    // Two further methods for the legs, for callers that invoke them directly: compute() does not.
-    // HipKneeAnkle.h tells the first one's state.
+    // Two further methods for the legs, which compute() does not use. HipKneeAnkle.h tells the first one's state.
     void calcHipKneeAnkleForcesMoments();
     void createAndSetupWeights();
     void solveReactionForces();
