@@ -8,23 +8,6 @@
 
 namespace {
 
-// What the user would not expect: it is said, and computed all the same.
-void warnAboutPalms(const Inputs& inputs)
-{
-    std::string last;
-    for (const LoadInput& load : inputs.loads) {
-        if (!load.hasOffset || load.site == last || load.site.find("palmcenter") == std::string::npos)
-            continue;
-        bool loaded = false;
-        for (const LoadInput& other : inputs.loads)
-            loaded = loaded || (!other.hasOffset && other.site == load.site);
-        if (!loaded)
-            reportWarning("the loads with offsets at " + load.site
-                          + " do not count: at a palm centre they do only beside a load at the site itself.");
-        last = load.site;
-    }
-}
-
 // Under zero gravity a weight's force is zero, and the scene would open without the weight.
 void checkWeightsCanBeKept(const ComputeOptions& options, const Inputs& inputs)
 {
@@ -55,15 +38,11 @@ void tellVerbosely(const Opened& opened, const Report& report)
 int runCompute(const ComputeOptions& options)
 {
     Opened opened;
-    if (!openScene(options.scene, options.human, opened))
+    if (!openScene(options.scene, options.changes.human, opened))
         return kWrongInput;
     if (!options.save.empty())
         mayHoldScene("--save", options.save);
-    applyBody(options, opened);
-    applyPosture(options, opened);
-    applyGravity(options, opened);
-    applyStrategy(options, opened);
-    applyLoads(options, opened);
+    applyChanges(options.changes, opened);
     const Inputs inputs = gatherInputs(*opened.analysis);
     checkWeightsCanBeKept(options, inputs);
     if (errorCount() > 0)

@@ -19,11 +19,6 @@ bool endsWith(const std::string& text, const std::string& ending)
     return text.size() >= ending.size() && text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
 }
 
-std::string vectorText(const qVector& v)
-{
-    return "(" + fixed(double(v[0]), 2) + ", " + fixed(double(v[1]), 2) + ", " + fixed(double(v[2]), 2) + ")";
-}
-
 // "joint left_knee to left_lower_leg: flexion 12.0 [0.0 to 135.0]"
 std::string jointText(const qcJoint& joint)
 {
@@ -92,11 +87,11 @@ private:
             output += indentation + "joint " + jointName(&figure, item.joint) + jointText(*item.joint) + "\n";
         output += indentation + "segment " + item.segment->getName() + ": "
                   + fixed(double(item.segment->getMass()) * 0.001, 3) + " kg, centre of mass "
-                  + vectorText(item.segment->getCenterOfMass()) + " cm, at "
-                  + vectorText(item.segment->getGlobalTransform().getTranslation()) + " cm\n";
+                  + vectorText(item.segment->getCenterOfMass(), 2) + " cm, at "
+                  + vectorText(item.segment->getGlobalTransform().getTranslation(), 2) + " cm\n";
         forEach<qcSite>(item.segment->getSites(), [&](qcSite* site) {
             output += indentation + "  site " + keyOfSite(site) + " at "
-                      + vectorText(site->getGlobalTransform().getTranslation()) + " cm\n";
+                      + vectorText(site->getGlobalTransform().getTranslation(), 2) + " cm\n";
         });
     }
 
@@ -118,7 +113,7 @@ std::string headText(qcFigure& figure)
     return std::string("figure ") + figure.getName() + (figure.isPosed() ? " (posed)" : "") + ": "
            + count(figure.getSegments(), "segments, ") + count(figure.getJoints(), "joints, ")
            + count(figure.getSites(), "sites\n") + "total mass " + fixed(figure.getBodyMass() * 0.001, 3)
-           + " kg, centre of mass " + vectorText(figure.getBodyCenterOfMass()) + " cm\n"
+           + " kg, centre of mass " + vectorText(figure.getBodyCenterOfMass(), 2) + " cm\n"
            + "Positions (at) are the world's, x to the figure's left, y up, z forward; a segment's centre of mass is "
              "in its own frame.\n\n";
 }

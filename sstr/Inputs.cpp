@@ -1,6 +1,7 @@
 // Inputs.
 #include "Inputs.h"
 
+#include "Messages.h"
 #include "Names.h"
 #include "Strategies.h"
 
@@ -40,4 +41,20 @@ Inputs gatherInputs(qmStaticStrength& analysis)
             inputs.handLoads.push_back({key, text});
     }
     return inputs;
+}
+
+void warnAboutPalms(const Inputs& inputs)
+{
+    std::string last;
+    for (const LoadInput& load : inputs.loads) {
+        if (!load.hasOffset || load.site == last || load.site.find("palmcenter") == std::string::npos)
+            continue;
+        bool loaded = false;
+        for (const LoadInput& other : inputs.loads)
+            loaded = loaded || (!other.hasOffset && other.site == load.site);
+        if (!loaded)
+            reportWarning("the loads with offsets at " + load.site
+                          + " do not count: at a palm centre they do only beside a load at the site itself.");
+        last = load.site;
+    }
 }

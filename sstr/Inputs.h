@@ -39,3 +39,6 @@ struct Inputs {
 };
 
 Inputs gatherInputs(qmStaticStrength& analysis);
+
+/// Warns of what the user would not expect: loads with offsets at a palm centre that do not count.
+void warnAboutPalms(const Inputs& inputs);

@@ -1,37 +1,9 @@
 // JSON output. Keys carry their units; a number that is not finite is null. docs/sstr.md tells the keys.
-#include "NumberText.h"
+#include "JsonText.h"
 #include "Report.h"
 #include "Strategies.h"
 
-#include <nlohmann/json.hpp>
-
-#include <cmath>
-
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-Json number(float value)
-{
-    return std::isfinite(value) ? Json(asPrinted(value)) : Json(nullptr);
-}
-
-Json number(std::optional<float> value)
-{
-    return value ? number(*value) : Json(nullptr);
-}
-
-Json numbers(const qVector& vector)
-{
-    return {number(vector[0]), number(vector[1]), number(vector[2])};
-}
-
-void putVector(Json& object, const std::string& quantity, const std::string& unit, const qVector& vector)
-{
-    const char* axes[] = {"_x_", "_y_", "_z_"};
-    for (int i = 0; i < 3; ++i)
-        object[quantity + axes[i] + unit] = number(vector[i]);
-}
 
 void putInputs(Json& document, const Inputs& inputs)
 {
@@ -76,12 +48,6 @@ Json jointOf(const JointResult& joint)
     return entry;
 }
 
-// Names come from files and may hold bytes that are no UTF-8: such a byte is replaced, not fatal.
-std::string textOf(const Json& document)
-{
-    return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
 }   // namespace
 
 std::string jsonOf(const Report& report)
@@ -109,7 +75,7 @@ std::string jsonOf(const Report& report)
     for (const JointResult& joint : report.joints)
         joints.push_back(jointOf(joint));
     document["joints"] = std::move(joints);
-    return textOf(document);
+    return jsonText(document);
 }
 
 std::string jsonOf(const Inputs& inputs)
@@ -122,5 +88,5 @@ std::string jsonOf(const Inputs& inputs)
     document["gravity_cm_s2"] = numbers(inputs.gravity);
     document["strategy_asked"] = inputs.strategy;
     putInputs(document, inputs);
-    return textOf(document);
+    return jsonText(document);
 }

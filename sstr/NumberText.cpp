@@ -33,6 +33,25 @@ std::string fixed(double number, int decimals)
     return zero && text.front() == '-' ? text.substr(1) : text;
 }
 
+std::string fixedOrNot(double number, int decimals)
+{
+    return std::isfinite(number) ? fixed(number, decimals) : "not finite";
+}
+
+std::string vectorText(const qVector& vector, int decimals)
+{
+    return "(" + fixedOrNot(double(vector[0]), decimals) + ", " + fixedOrNot(double(vector[1]), decimals) + ", "
+           + fixedOrNot(double(vector[2]), decimals) + ")";
+}
+
+std::vector<std::string> componentTexts(const qVector& vector, int decimals)
+{
+    std::vector<std::string> texts;
+    for (const float value : {vector[0], vector[1], vector[2], vector.mag()})
+        texts.push_back(fixedOrNot(double(value), decimals));
+    return texts;
+}
+
 double asPrinted(float number)
 {
     const std::string text = shortestOf(number);

@@ -16,19 +16,33 @@ constexpr const char* kAbout =
 
 constexpr const char* kComputeAbout = "Analyses a human of a scene in its present posture: what its joints carry.";
 
-constexpr const char* kComputeMore =
+// Of every command that has the options that change a scene.
+constexpr const char* kChangesMore =
     "Options change the scene in this order, whatever their order on the command line: human; sex, stature, mass;\n"
-    "root, floor; angles; gravity; strategy; loads and torques. The scene's file stays as it is without --save.\n"
+    "root, floor; angles; gravity; strategy; loads and torques. The scene's file stays as it is.\n"
     "SITE is a site's key \"segment.site\", JOINT a joint's name; sstr figure SCENE lists both.\n"
     "\n"
     "An OFFSETLOAD acts at a point ox,oy,oz cm (global axes) away from a site, beside other loads there:\n"
     "  SITE@ox,oy,oz=x,y,z         a force, kgf, global axes\n"
     "  local:SITE@ox,oy,oz=x,y,z   a force, kgf, the site's axes\n"
     "  SITE@ox,oy,oz=GRAMSg        a weight, with the letter g\n"
+    "\n";
+
+constexpr const char* kComputeMore =
+    "With --save the changed scene is written to a file; it may be the scene that was opened.\n"
     "\n"
     "Example: the scene's human on its right foot, with 5 kg in the right hand and 2 kg at a tool 30 cm ahead of it\n"
     "  sstr compute examples/lift_box.json --strategy right-foot --clear-loads \\\n"
     "    --weight right_hand.right_palmcenter=5000 --offset-load right_hand.right_palmcenter@0,0,30=2000g";
+
+constexpr const char* kExplainAbout =
+    "Shows what makes up a joint's result: how much each weight, load and torque contributes.";
+
+constexpr const char* kExplainMore =
+    "The legs of two feet and of sitting are not such a sum: there the terms of their method are listed.\n"
+    "\n"
+    "Example: what bends the back of a person who lifts a box\n"
+    "  sstr explain examples/lift_box.json l4_l5";
 
 constexpr const char* kFigureAbout =
     "Shows a figure as a tree: masses, centres of mass, sites, joint angles with their limits.";
@@ -42,6 +56,13 @@ constexpr const char* kFigureMore =
 constexpr const char* kLoadsAbout = "Shows what a scene asks of the analysis: gravity, strategy, loads and torques.";
 
 constexpr const char* kLoadsMore = "Example:\n  sstr loads examples/lift_box.json --format json";
+
+constexpr const char* kReportAbout =
+    "Prints the analysis's own report: a scene's loads, strategy and gravity, a line each.";
+
+constexpr const char* kReportMore = "Loads with offsets and torques are not in it; sstr loads shows them too.\n"
+                                    "\n"
+                                    "Example:\n  sstr report examples/lift_box.json";
 
 constexpr const char* kNewSceneAbout = "Makes a scene with one human of a figure file, standing on the floor.";
 
@@ -85,11 +106,8 @@ CLI::Option* addText(CLI::App& app, const char* name, std::string& value, const 
     return app.add_option(name, value, help)->type_name(form)->check(notEmpty());
 }
 
-CLI::App& addCompute(CLI::App& app, ComputeOptions& o)
+void addChanges(CLI::App& command, ChangeOptions& o)
 {
-    CLI::App& command = *app.add_subcommand("compute", kComputeAbout);
-    command.footer(kComputeMore);
-    addText(command, "scene", o.scene, "SCENE", "the scene file")->required();
     addText(command, "--human", o.human, "NAME", "the human to analyse; needed when the scene has several");
     addText(command, "--sex", o.sex, "male|female", "the human's sex")->check(oneOf({"male", "female"}));
     addText(command, "--stature", o.stature, "CM", "the human's stature");
@@ -110,9 +128,31 @@ CLI::App& addCompute(CLI::App& app, ComputeOptions& o)
     addRepeated(command, "--offset-load", o.offsetLoads, "OFFSETLOAD",
                 "a load at a point displaced from a site, see below");
     addRepeated(command, "--torque", o.torques, "JOINT=x,y,z", "a moment at a joint, N·m, global axes");
+}
+
+CLI::App& addCompute(CLI::App& app, ComputeOptions& o)
+{
+    CLI::App& command = *app.add_subcommand("compute", kComputeAbout);
+    command.footer(std::string(kChangesMore) + kComputeMore);
+    addText(command, "scene", o.scene, "SCENE", "the scene file")->required();
+    addChanges(command, o.changes);
     addText(command, "--format", o.format, "table|json|csv", "how to show the results (table)")->check(formats());
     addText(command, "--save", o.save, "SCENE", "then save the changed scene with its results, as this file");
     command.add_flag("--verbose", o.verbose, "say on standard error what was read and done");
+    return command;
+}
+
+CLI::App& addExplain(CLI::App& app, ExplainOptions& o)
+{
+    CLI::App& command = *app.add_subcommand("explain", kExplainAbout);
+    command.footer(std::string(kChangesMore) + kExplainMore);
+    addText(command, "scene", o.scene, "SCENE", "the scene file")->required();
+    addText(command, "joint", o.joint, "JOINT", "the joint's name")->required();
+    addChanges(command, o.changes);
+    addText(command, "--sort", o.sort, "moment|force", "by which share the contributions are sorted (moment)")
+        ->check(oneOf({"moment", "force"}));
+    addText(command, "--format", o.format, "table|json", "how to show the contributions (table)")
+        ->check(oneOf({"table", "json"}));
     return command;
 }
 
@@ -138,6 +178,15 @@ CLI::App& addLoads(CLI::App& app, LoadsOptions& o)
     return command;
 }
 
+CLI::App& addReport(CLI::App& app, ReportOptions& o)
+{
+    CLI::App& command = *app.add_subcommand("report", kReportAbout);
+    command.footer(kReportMore);
+    addText(command, "scene", o.scene, "SCENE", "the scene file")->required();
+    addText(command, "--human", o.human, "NAME", "which human; needed when the scene has several");
+    return command;
+}
+
 CLI::App& addNewScene(CLI::App& app, NewSceneOptions& o)
 {
     CLI::App& command = *app.add_subcommand("new-scene", kNewSceneAbout);
@@ -159,8 +208,10 @@ std::optional<int> readCommandLine(int argc, char** argv, CommandLine& out)
     app.require_subcommand(1);
     app.get_formatter()->column_width(36);
     const CLI::App& compute = addCompute(app, out.compute);
+    const CLI::App& explain = addExplain(app, out.explain);
     const CLI::App& figure = addFigure(app, out.figure);
     const CLI::App& loads = addLoads(app, out.loads);
+    const CLI::App& report = addReport(app, out.report);
     addNewScene(app, out.newScene);
     try {
         app.parse(argc, argv);
@@ -170,9 +221,11 @@ std::optional<int> readCommandLine(int argc, char** argv, CommandLine& out)
         reportError(std::string(problem.what()) + " (sstr --help and sstr COMMAND --help tell the usage.)");
         return kWrongInput;
     }
-    out.command = compute.parsed()  ? CommandLine::kCompute
-                  : figure.parsed() ? CommandLine::kFigure
-                  : loads.parsed()  ? CommandLine::kLoads
-                                    : CommandLine::kNewScene;
+    out.command = compute.parsed()   ? CommandLine::kCompute
+                  : explain.parsed() ? CommandLine::kExplain
+                  : figure.parsed()  ? CommandLine::kFigure
+                  : loads.parsed()   ? CommandLine::kLoads
+                  : report.parsed()  ? CommandLine::kReport
+                                     : CommandLine::kNewScene;
     return std::nullopt;
 }

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-struct ComputeOptions {
-    std::string scene;
+/// Which human of a scene is analysed, and what is changed in the scene before.
+struct ChangeOptions {
     std::string human;   // empty: the scene's only one
     std::string sex, stature, mass;
     std::string root;
@@ -16,9 +16,22 @@ struct ComputeOptions {
     std::string strategy;
     bool clearLoads = false;
     std::vector<std::string> loads, localLoads, weights, offsetLoads, torques;
+};
+
+struct ComputeOptions {
+    std::string scene;
+    ChangeOptions changes;
     std::string format = "table";
     std::string save;   // empty: nothing is saved
     bool verbose = false;
+};
+
+struct ExplainOptions {
+    std::string scene;
+    std::string joint;
+    ChangeOptions changes;
+    std::string sort = "moment";
+    std::string format = "table";
 };
 
 struct FigureOptions {
@@ -35,6 +48,11 @@ struct LoadsOptions {
     std::string format = "table";
 };
 
+struct ReportOptions {
+    std::string scene;
+    std::string human;
+};
+
 struct NewSceneOptions {
     std::string figure;
     std::string scene;
@@ -44,10 +62,12 @@ struct NewSceneOptions {
 };
 
 struct CommandLine {
-    enum Command { kCompute, kFigure, kLoads, kNewScene } command = kCompute;
+    enum Command { kCompute, kExplain, kFigure, kLoads, kReport, kNewScene } command = kCompute;
     ComputeOptions compute;
+    ExplainOptions explain;
     FigureOptions figure;
     LoadsOptions loads;
+    ReportOptions report;
     NewSceneOptions newScene;
 };
 

@@ -47,7 +47,7 @@ void applyAngles(const std::string& text, qcFigure& figure, std::set<const qcJoi
 
 }   // namespace
 
-void applyBody(const ComputeOptions& options, Opened& opened)
+void applyBody(const ChangeOptions& options, Opened& opened)
 {
     if (options.sex.empty() && options.stature.empty() && options.mass.empty())
         return;
@@ -67,7 +67,7 @@ void applyBody(const ComputeOptions& options, Opened& opened)
             scale->setMass(*mass * kGramsPerKilogram);
 }
 
-void applyPosture(const ComputeOptions& options, Opened& opened)
+void applyPosture(const ChangeOptions& options, Opened& opened)
 {
     qcFigure& figure = *opened.human->getFigure();
     if (figure.isPosed()) {

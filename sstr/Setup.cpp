@@ -162,7 +162,10 @@ void makeAnalysis(Opened& opened)
     warnOfDropped(figure, "SSTR_TorqueList", savedTorques, opened.analysis->getNumDefinedTorques());
 }
 
-void applyGravity(const ComputeOptions& options, Opened& opened)
+namespace {
+
+// Makes the analysis.
+void applyGravity(const ChangeOptions& options, Opened& opened)
 {
     if (!options.gravity.empty())
         if (const std::optional<qVector> gravity = parseVector("--gravity", options.gravity, "cm/s²"))
@@ -170,7 +173,7 @@ void applyGravity(const ComputeOptions& options, Opened& opened)
     makeAnalysis(opened);
 }
 
-void applyStrategy(const ComputeOptions& options, Opened& opened)
+void applyStrategy(const ChangeOptions& options, Opened& opened)
 {
     if (options.strategy.empty()) {
         if (strategyText(opened.analysis->getStrategy()) == "unknown")
@@ -186,7 +189,7 @@ void applyStrategy(const ComputeOptions& options, Opened& opened)
     opened.scene->setUnstoredStrategy(opened.human, stored ? "" : kUnstoredStrategyText);
 }
 
-void applyLoads(const ComputeOptions& options, Opened& opened)
+void applyLoads(const ChangeOptions& options, Opened& opened)
 {
     if (options.clearLoads) {
         // the strategy in force stays, but its text goes with the loads
@@ -199,6 +202,17 @@ void applyLoads(const ComputeOptions& options, Opened& opened)
     applyWeights(options.weights, opened, loaded);
     applyOffsetLoads(options.offsetLoads, opened);
     applyTorques(options.torques, opened);
+}
+
+}   // namespace
+
+void applyChanges(const ChangeOptions& options, Opened& opened)
+{
+    applyBody(options, opened);
+    applyPosture(options, opened);
+    applyGravity(options, opened);
+    applyStrategy(options, opened);
+    applyLoads(options, opened);
 }
 
 bool mayHoldScene(const std::string& option, const std::string& path)

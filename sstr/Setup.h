@@ -23,13 +23,13 @@ bool openScene(const std::string& path, const std::string& humanName, Opened& op
 /// that the scene holds are removed, so that what is shown later is of one computation.
 void makeAnalysis(Opened& opened);
 
-/// Each applies its part of the options, in this order. What is wrong is reported; the caller looks
-/// at errorCount() after all.
-void applyBody(const ComputeOptions& options, Opened& opened);
-void applyPosture(const ComputeOptions& options, Opened& opened);
-void applyGravity(const ComputeOptions& options, Opened& opened);   ///< makes the analysis
-void applyStrategy(const ComputeOptions& options, Opened& opened);
-void applyLoads(const ComputeOptions& options, Opened& opened);
+/// Makes the analysis of an opened scene and applies the options that change it: body, posture, gravity,
+/// strategy, loads. What is wrong is reported; the caller looks at errorCount() after all.
+void applyChanges(const ChangeOptions& options, Opened& opened);
+
+/// The parts of applyChanges() that measure and pose the body.
+void applyBody(const ChangeOptions& options, Opened& opened);
+void applyPosture(const ChangeOptions& options, Opened& opened);
 
 /// Whether a scene may be written to this path: not onto what is a figure's or a roles file by its
 /// name. @return false after an error that names the option

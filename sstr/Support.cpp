@@ -37,17 +37,24 @@ qcJoint* rightJoint(const qcFigure& figure, const char* ending)
     return found;
 }
 
-// The right hip's share of the last computation. The analysis tells it under two feet only, so that
-// is asked for a moment; the strategy's text on the figure is back afterwards.
-float rightHipShare(qmStaticStrength& analysis, qcJoint* right)
+// The right hip's share of the last computation; nothing for a figure without joints. The analysis tells it
+// under two feet only, so that is asked for a moment; the strategy's text on the figure is back afterwards.
+//
+// Asked for a joint that it does not take for a right one, the analysis tells the left hip's share.
+std::optional<float> rightHipShare(qmStaticStrength& analysis)
 {
+    const qcFigure& figure = *analysis.getHuman()->getFigure();
+    qcJoint* right = rightJoint(figure, "");
+    qcJoint* any = right ? right : figure.getJoints() ? static_cast<qcJoint*>(figure.getJoints()->getData()) : nullptr;
+    if (!any)
+        return std::nullopt;
     const Strategy chosen = analysis.getStrategy();
     if (chosen == qmStaticStrength::Walking)
         analysis.setStrategy(qmStaticStrength::TwoFeet);
-    const float share = analysis.getSplitFactor(right, kOtherJointsResult, "waist");
+    const float share = analysis.getSplitFactor(any, kOtherJointsResult, "waist");
     if (chosen == qmStaticStrength::Walking)
         analysis.setStrategy(chosen);
-    return share;
+    return right ? share : static_cast<float>(1.0 - double(share));
 }
 
 }   // namespace
@@ -59,16 +66,15 @@ Support readSupport(qmStaticStrength& analysis)
     support.effective = analysis.getStrategy();
     switch (support.effective) {
     case qmStaticStrength::TwoFeet:
-        if (qcJoint* right = rightJoint(figure, ""))
-            set(support.foot, rightHipShare(analysis, right));
+        if (const std::optional<float> share = rightHipShare(analysis))
+            set(support.foot, *share);
         break;
     case qmStaticStrength::Walking:
-        if (qcJoint* right = rightJoint(figure, "")) {
-            const float share = rightHipShare(analysis, right);
-            set(support.foot, share);
-            support.effective = share == 1.0f   ? qmStaticStrength::RightFoot
-                                : share == 0.0f ? qmStaticStrength::LeftFoot
-                                                : qmStaticStrength::TwoFeet;
+        if (const std::optional<float> share = rightHipShare(analysis)) {
+            set(support.foot, *share);
+            support.effective = *share == 1.0f   ? qmStaticStrength::RightFoot
+                                : *share == 0.0f ? qmStaticStrength::LeftFoot
+                                                 : qmStaticStrength::TwoFeet;
         }
         break;
     case qmStaticStrength::RightFoot:

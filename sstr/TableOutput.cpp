@@ -4,22 +4,9 @@
 #include "Strategies.h"
 #include "Table.h"
 
-#include <cmath>
 #include <map>
 
 namespace {
-
-std::string number(double value, int decimals)
-{
-    return std::isfinite(value) ? fixed(value, decimals) : "not finite";
-}
-
-// "(x, y, z)"
-std::string vectorText(const qVector& v, int decimals)
-{
-    return "(" + number(double(v[0]), decimals) + ", " + number(double(v[1]), decimals) + ", "
-           + number(double(v[2]), decimals) + ")";
-}
 
 std::string sharesText(const std::optional<float> (&shares)[2], const char* what)
 {
@@ -45,7 +32,7 @@ std::string ankleText(const Report& report)
 {
     const auto one = [&](qcSide side) {
         const std::optional<float>& force = report.ankleKgf[side];
-        return force ? number(double(*force), 3) + " kgf" : std::string("-");
+        return force ? fixedOrNot(double(*force), 3) + " kgf" : std::string("-");
     };
     return "right " + one(qcRight) + ", left " + one(qcLeft);
 }
@@ -82,24 +69,18 @@ void append(Cells& cells, const Cells& more)
     cells.insert(cells.end(), more.begin(), more.end());
 }
 
-// x, y, z and the magnitude.
-Cells components(const qVector& v)
-{
-    return {number(double(v[0]), 3), number(double(v[1]), 3), number(double(v[2]), 3), number(double(v.mag()), 3)};
-}
-
 Cells forceCells(const JointResult* joint)
 {
     if (!joint || !joint->has)
         return {"-", "-", "-", "-", "-"};
-    Cells cells = components(joint->force);
-    cells.push_back(number(double(joint->forceN()), 1));
+    Cells cells = componentTexts(joint->force, 3);
+    cells.push_back(fixedOrNot(double(joint->forceN()), 1));
     return cells;
 }
 
 Cells momentCells(const JointResult* joint)
 {
-    return joint && joint->has ? components(joint->moment) : Cells{"-", "-", "-", "-"};
+    return joint && joint->has ? componentTexts(joint->moment, 3) : Cells{"-", "-", "-", "-"};
 }
 
 // Joints without a twin, force and moment in one line.
@@ -164,7 +145,7 @@ std::string aboutText(const Report& report)
     table.line({"human", report.inputs.human + " (figure " + report.inputs.figure + ")"});
     table.line({"body", (report.sex ? *report.sex + ", " : "")
                             + (report.statureCm ? "stature " + fixed(*report.statureCm, 1) + " cm, " : "") + "mass "
-                            + number(double(report.bodyMassKg), 3) + " kg"});
+                            + fixedOrNot(double(report.bodyMassKg), 3) + " kg"});
     table.line({"centre of mass", vectorText(report.centerOfMass, 2) + " cm"});
     table.line({"gravity", vectorText(report.inputs.gravity, 3) + " cm/s²"});
     table.line({"strategy", asked == effective ? effective : asked + ", in effect " + effective});

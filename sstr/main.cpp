@@ -2,19 +2,7 @@
 #include "Commands.h"
 #include "Messages.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <exception>
-
-int print(const std::string& text)
-{
-    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-    if (std::fflush(stdout) == 0 && written)
-        return 1;
-    reportError(std::string("cannot write to standard output: ") + std::strerror(errno) + ".");
-    return 0;
-}
 
 namespace {
 
@@ -23,10 +11,14 @@ int run(const CommandLine& line)
     switch (line.command) {
     case CommandLine::kCompute:
         return runCompute(line.compute);
+    case CommandLine::kExplain:
+        return runExplain(line.explain);
     case CommandLine::kFigure:
         return runFigure(line.figure);
     case CommandLine::kLoads:
         return runLoads(line.loads);
+    case CommandLine::kReport:
+        return runReport(line.report);
     case CommandLine::kNewScene:
         return runNewScene(line.newScene);
     }

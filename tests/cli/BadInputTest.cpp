@@ -107,8 +107,11 @@ protected:
     /// Every command that opens a scene refuses it, naming the file.
     static void expectRefused(const std::string& scene)
     {
-        for (const char* command : {"compute", "figure", "loads"}) {
-            const ProgramRun run = runProgram({command, scene});
+        for (const char* command : {"compute", "explain", "figure", "loads", "report"}) {
+            std::vector<std::string> arguments = {command, scene};
+            if (arguments[0] == "explain")
+                arguments.emplace_back("waist");
+            const ProgramRun run = runProgram(arguments);
             EXPECT_EQ(run.status, 2) << command;
             EXPECT_EQ(run.out, "") << command;
             EXPECT_THAT(run.err, StartsWith("sstr: error: ")) << command;
@@ -234,8 +237,11 @@ TEST_F(BadInput, RefusesACommandThatIsUnknownOrMissing)
     for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
                                                       {"compite"},
                                                       {"compute"},
+                                                      {"explain"},
+                                                      {"explain", "a.json"},
                                                       {"figure"},
                                                       {"loads"},
+                                                      {"report"},
                                                       {"new-scene", "one"},
                                                       {"compute", "a.json", "b.json"}}) {
         const ProgramRun run = runProgram(arguments);

@@ -358,7 +358,7 @@ TEST_F(ComputeCommand, IgnoresTheLocaleOfTheProcess)
 
 TEST(Help, IsPrintedForEveryCommandWithAnExample)
 {
-    for (const char* command : {"compute", "figure", "loads", "new-scene"}) {
+    for (const char* command : {"compute", "explain", "figure", "loads", "report", "new-scene"}) {
         const ProgramRun run = runProgram({command, "--help"});
         EXPECT_EQ(run.status, 0);
         EXPECT_EQ(run.err, "");
