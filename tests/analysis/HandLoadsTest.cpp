@@ -1,20 +1,16 @@
 // Hand loads: how the figure's texts for its hands are read.
 #include "AnalysisTest.h"
+#include "DecimalComma.h"
 
 #include "HandLoads.h"
 
-#include <clocale>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <limits>
 
 using ::testing::ElementsAre;
 
 namespace {
-
-// Where localedef may have put the locale of a test.
-constexpr const char* kCommaLocale = "de_DE.UTF-8";
 
 class HandLoads : public AnalysisTest {
 protected:
@@ -23,11 +19,6 @@ protected:
         SmallFigure small;
         small.segment("body", 1000).site("body", "site", {0, 0, 0});
         load(small);
-    }
-    void TearDown() override
-    {
-        std::setlocale(LC_ALL, "C");
-        AnalysisTest::TearDown();
     }
 
     std::array<float, 3> read(const char* text)
@@ -68,6 +59,16 @@ TEST_F(HandLoads, TextWithoutANumberIsNoLoad)
 {
     for (const char* text : {"", " ", "none", ",1", "kgf 12", "-", "+", ".", "--3", "e5"})
         expectNone(text);
+}
+
+// Only an x of exactly 7777 stands for no load: one number alone has the x 0, and so is a load.
+TEST_F(HandLoads, NumberThatStandsForNoLoadIsOneOnlyAsX)
+{
+    EXPECT_THAT(read("7777"), ElementsAre(0, 7777, 0));
+    EXPECT_THAT(read("7777.001 1 2"), ElementsAre(7777.001f, 1, 2));
+    ASSERT_NE(7777.001f, 7777.0f);
+    EXPECT_THAT(read("-7777 1 2"), ElementsAre(-7777, 1, 2));
+    EXPECT_THAT(read("7777 1 2"), ElementsAre(7777, 1, 2));
 }
 
 // Reading ends where no number stands: what came before counts.
@@ -247,37 +248,13 @@ TEST_F(HandLoads, ReadingChangesNothing)
 
 // ---- The decimal point
 
-// Goes to a locale whose numbers have a decimal comma: one of the machine's, else one made in a folder of the
-// test's own. @return whether the process now writes a comma
-bool useDecimalComma(const TemporaryFolder& folder)
-{
-    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "fr_FR.utf8", "nl_NL.UTF-8"})
-        if (std::setlocale(LC_ALL, name) && std::localeconv()->decimal_point[0] == ',')
-            return true;
-    const std::string source = folder.write("source", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \"\"\n"
-                                                      "grouping -1\nEND LC_NUMERIC\n");
-    const std::string command =
-        "localedef -c -i '" + source + "' -f UTF-8 '" + folder.file(kCommaLocale) + "' >/dev/null 2>&1";
-    if (std::system(command.c_str())
-        < 0)   // it complains about the other categories; what counts is whether it is there
-        return false;
-    setenv("LOCPATH", folder.path().c_str(), 1);
-    const bool found = std::setlocale(LC_NUMERIC, kCommaLocale) && std::localeconv()->decimal_point[0] == ',';
-    unsetenv("LOCPATH");
-    return found;
-}
-
-// Where no such locale can be had the check still runs, in the C locale; the property "comma" in the test's record
-// says which of the two it was.
 TEST_F(HandLoads, NumbersHaveADecimalPointInEveryLocale)
 {
-    const TemporaryFolder folder;
-    const bool comma = useDecimalComma(folder);
-    RecordProperty("comma", comma ? "yes" : "no");
+    const DecimalComma comma;
     EXPECT_THAT(read("1.5 2.25 -3.75"), ElementsAre(1.5f, 2.25f, -3.75f));
     EXPECT_THAT(read("12.5"), ElementsAre(0, 12.5f, 0));
     EXPECT_THAT(read("1,5"), ElementsAre(0, 1, 0));
-    EXPECT_STREQ(std::localeconv()->decimal_point, comma ? "," : ".");   // the process keeps its locale
+    EXPECT_TRUE(DecimalComma::inForce());   // the process keeps its locale
 }
 
 }   // namespace

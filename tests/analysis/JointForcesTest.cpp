@@ -1,143 +1,15 @@
-// Joint forces: what a walk sums up at a joint, in which order, and what it leaves on the joints.
-#include "AnalysisTest.h"
-#include "PrivateMembers.h"
+// Joint forces: what a walk sums up at a joint, and what it leaves on the joints.
+#include "WalkFixture.h"
 
-#include "Diagnostics.h"
-#include "ForceMoment.h"
-#include "Units.h"
+#include "DecimalComma.h"
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 using ::testing::ElementsAre;
 using ::testing::FloatEq;
 
-struct WalkMember {
-    using type = int (qmStaticStrength::*)(qcJointImp*, qcSiteImp*, qVector&, qVector&, qcSegmentImp*, int);
-    friend type get(WalkMember);
-};
-template struct Expose<WalkMember, &qmStaticStrength::compute_joint_forces>;
-
-struct SpecialMember {
-    using type = void (qmStaticStrength::*)(qcJointImp*, qcJointImp*, qVector&, qVector&);
-    friend type get(SpecialMember);
-};
-template struct Expose<SpecialMember, &qmStaticStrength::special_joint_forces>;
-
-struct SharesMember {
-    using type = float (qmStaticStrength::*)[4];
-    friend type get(SharesMember);
-};
-template struct Expose<SharesMember, &qmStaticStrength::splitFactors>;
-
 namespace {
-
-constexpr double kNm = 0.0980665;          // N·m in a kgf·cm
-constexpr float kPlaceholder = 0.00001f;   // N·m, each component of a stored moment that is next to nothing
-
-constexpr int kLeftHip = 0, kRightHip = 1;   // split factors
-
-void expectNear(const qVector& found, const std::array<double, 3>& expected, double bound)
-{
-    for (int i = 0; i < 3; ++i)
-        EXPECT_NEAR(double(found[i]), expected[static_cast<std::size_t>(i)], bound) << "component " << i;
-}
-
-std::array<std::uint32_t, 3> bits(const qVector& vector)
-{
-    const std::array<float, 3> numbers = components(vector);
-    std::array<std::uint32_t, 3> words;
-    std::memcpy(words.data(), numbers.data(), sizeof words);
-    return words;
-}
-
-class JointForces : public AnalysisTest {
-protected:
-    /// A figure in a scene of its own.
-    void load(const SmallFigure& small)
-    {
-        analyses.clear();
-        scene = std::make_unique<qcScene>();
-        AnalysisTest::load(small);
-    }
-
-    struct Sums {
-        int status;
-        qVector force;    // kgf
-        qVector moment;   // N·m
-    };
-
-    Sums walk(qcJoint* from, qcSite* through, qcSegment* stop = nullptr, int accumulate = 0, const qVector& force = {},
-              const qVector& moment = {})
-    {
-        Sums sums{-1, force, moment};
-        sums.status = callPrivate<WalkMember>(*analysis, from, through, sums.force, sums.moment, stop, accumulate);
-        return sums;
-    }
-    Sums walk(const std::string& jointName, const std::string& siteKey, const std::string& stop = "",
-              int accumulate = 0, const qVector& force = {}, const qVector& moment = {})
-    {
-        return walk(joint(jointName), site(siteKey), stop.empty() ? nullptr : segment(stop), accumulate, force, moment);
-    }
-
-    void TearDown() override
-    {
-        segmentOnly = 0;
-        debugPrint = 0;
-        AnalysisTest::TearDown();
-    }
-
-    bool hasResult(const std::string& jointName) const
-    {
-        qcValue value;
-        return joint(jointName)->getProperty("SSTR_Force_Moment", &value) != 0;
-    }
-
-    void setBadLoad(const std::string& siteKey) { site(siteKey)->setProperty("SSTR_Load", qcValue(1.0f)); }
-
-    float& share(int which) { return (analysis->*get(SharesMember()))[which]; }
-};
-
-// A joint "j" at the origin between "base" and "part"; the part has the given mass at the joint, so that
-// its weight turns nothing, and a site "tip" 10 cm to the left of the joint.
-SmallFigure onePart(double grams, const std::string& name = "man")
-{
-    SmallFigure figure(name);
-    figure.segment("base", 1000)
-        .site("base", "out", {0, 0, 0})
-        .segment("part", grams)
-        .site("part", "in", {0, 0, 0})
-        .site("part", "tip", {10, 0, 0})
-        .joint("j", "base.out", "part.in");
-    return figure;
-}
-
-// Two links, turned as a whole so that each axis moves on to the next one `turn` times (x to y, y to z, z to x):
-//
-//   a  at (0, 0, 0)   base.out - link1.in     link1  5000 g at (10, 0, 0)
-//   b  at (20, 0, 0)  link1.out - link2.in    link2  2000 g at (20, 0, 5), a site "tip" at (20, 0, 10)
-SmallFigure twoLinks(int turn = 0)
-{
-    const auto turned = [turn](SmallFigure::Vector v) {
-        for (int i = 0; i < turn; ++i)
-            v = {v[2], v[0], v[1]};
-        return v;
-    };
-    const SmallFigure::Rows axes = {turned({1, 0, 0}), turned({0, 1, 0}), turned({0, 0, 1})};
-    SmallFigure figure;
-    figure.segment("base", 1000, {0, 0, 0}, {0, 0, 0}, axes)
-        .site("base", "out", {0, 0, 0}, axes)
-        .segment("link1", 5000, {4, 0, 0}, turned({6, 0, 0}), axes)
-        .site("link1", "in", {0, 0, 0}, axes)
-        .site("link1", "out", turned({20, 0, 0}), axes)
-        .segment("link2", 2000, {0, 0, 5}, turned({20, 0, 0}), axes)
-        .site("link2", "in", turned({20, 0, 0}), axes)
-        .site("link2", "tip", turned({20, 0, 10}), axes)
-        .joint("a", "base.out", "link1.in")
-        .joint("b", "link1.out", "link2.in");
-    return figure;
-}
 
 // ---- One force about one joint ------------------------------------------------------------------
 
@@ -332,8 +204,6 @@ TEST_F(JointResult, WithFurtherElementsReadsAllTheSame)
 
 // ---- The walk -----------------------------------------------------------------------------------
 
-class Walk : public JointForces {};
-
 // About b, at (20, 0, 0):
 //   weight (0, -2, 0) kgf at (20, 0, 5):    (0, 0, 5) × (0, -2, 0) = (10, 0, 0) kgf·cm
 //   load (1, 2, 3) kgf at (20, 0, 10):      (0, 0, 10) × (1, 2, 3) = (-20, 10, 0) kgf·cm
@@ -519,13 +389,9 @@ protected:
 
 TEST_F(FailingSubtree, IsToldAtEveryLevelFromTheInside)
 {
-    const Sums sums = walk("r", "root.out");
-    EXPECT_EQ(sums.status, 0);
-    const std::vector<std::string> texts = log.takeTexts();
-    ASSERT_EQ(texts.size(), 3u);
-    EXPECT_EQ(texts[0], "StaticStrength ERROR: joint stray site man.link1.branches\n");
-    EXPECT_EQ(texts[1], "StaticStrength ERROR: failed on man.the stray");
-    EXPECT_EQ(texts[2], "StaticStrength ERROR: failed on man.a");
+    EXPECT_EQ(walk("r", "root.out").status, 0);
+    expectErrors({"StaticStrength ERROR: joint stray site man.link1.branches\n",
+                  "StaticStrength ERROR: failed on man.the stray", "StaticStrength ERROR: failed on man.a"});
 }
 
 TEST_F(FailingSubtree, LeavesFinishedResultsAndTheOthersAsTheyWere)
@@ -566,76 +432,6 @@ TEST_F(FailingSubtree, LeavesZeroWhereNothingWasGathered)
     log.take();
     EXPECT_THAT(components(sums.force), ElementsAre(0, 0, 0));
     EXPECT_THAT(components(sums.moment), ElementsAre(0, 0, 0));
-}
-
-// ---- Order
-
-// Unreadable loads tell the order in which sites are visited: a site's joints come before its own load, a
-// joint's whole subtree before the next joint.
-TEST_F(Walk, VisitsSitesAndJointsInListOrderDepthFirst)
-{
-    SmallFigure tree;
-    tree.segment("base", 0).site("base", "out", {0, 0, 0});
-    tree.segment("trunk", 0).site("trunk", "z", {0, 0, 0}).site("trunk", "y", {0, 0, 0}).site("trunk", "x", {0, 0, 0});
-    for (const char* name : {"p", "q", "q_end", "o"})
-        tree.segment(name, 0).site(name, "in", {0, 0, 0}).site(name, "end", {0, 0, 0});
-    tree.joint("root", "base.out", "trunk.y")
-        .joint("jq", "trunk.y", "q.in")
-        .joint("jp", "p.in", "trunk.y")
-        .joint("jo", "trunk.x", "o.in")
-        .joint("jq_end", "q.end", "q_end.in");
-    load(tree);
-    for (qList* node = nullptr; (node = qList::iterator(figure->getSites(), node));)
-        static_cast<qcSite*>(node->getData())->setProperty("SSTR_Load", qcValue(1.0f));
-
-    EXPECT_EQ(walk("root", "base.out").status, 1);
-    std::vector<std::string> visited;
-    const std::string start = "StaticStrength ERROR: illegal load at site man.";
-    for (const std::string& text : log.takeTexts()) {
-        ASSERT_EQ(text.substr(0, start.size()), start);
-        visited.push_back(text.substr(start.size()));
-    }
-    EXPECT_THAT(visited, ElementsAre("trunk.z", "q.in", "q_end.in", "q_end.end", "q.end", "p.in", "p.end", "trunk.y",
-                                     "o.in", "o.end", "trunk.x"));
-}
-
-// Three forces at one site whose sum depends on the order in single precision: 2^24 kgf takes in no 1 kgf.
-//   joint's subtree 1, then the site's load 2^24, then the offset load 1, then the weight -2^24:
-//   ((1 + 2^24) + 1) - 2^24 = 0; any order that adds the ones first gives 2
-TEST_F(Walk, AddsJointsThenLoadThenOffsetLoadsThenWeight)
-{
-    const float huge = 16777216.0f;
-    SmallFigure figure;
-    figure.segment("base", 0)
-        .site("base", "out", {0, 0, 0})
-        .segment("part", 0)
-        .site("part", "in", {0, 0, 0})
-        .segment("child", 0)
-        .site("child", "in", {0, 0, 0})
-        .joint("j", "base.out", "part.in")
-        .joint("k", "part.in", "child.in");
-    load(figure);
-    analysis->setLoad(site("child.in"), qVector(1, 0, 0));
-    analysis->setLoad(site("part.in"), qVector(huge, 0, 0));
-    analysis->setLoadWithOffset(site("part.in"), qVector(), qVector(1, 0, 0));
-    EXPECT_EQ(walk("j", "base.out").force[0], huge);
-
-    // the offset loads come last: here they meet -2^24 that the load has already brought to 1 - 2^24 + 2^24
-    analysis->setLoad(site("part.in"), qVector(-huge, 0, 0));
-    analysis->setLoadWithOffset(site("part.in"), qVector(), qVector(huge, 0, 0));
-    // ((1 - 2^24) + 1) + 2^24 = 2: -2^24 + 1 and + 2 are exact
-    EXPECT_EQ(walk("j", "base.out").force[0], 2);
-}
-
-// The weight comes after all sites: (2^24 + 1) - 1 = 2^24 - 1 when 2^24 + 1 is rounded to 2^24 first.
-TEST_F(Walk, AddsTheWeightAfterAllSites)
-{
-    SmallFigure figure = onePart(1000);
-    load(figure);
-    const float huge = 16777216.0f;
-    analysis->setLoad(site("part.in"), qVector(0, huge, 0));
-    analysis->setLoad(site("part.tip"), qVector(0, 1, 0));
-    EXPECT_EQ(walk("j", "base.out").force[1], huge - 1);
 }
 
 // ---- Torques
@@ -791,519 +587,6 @@ TEST_F(Walk, SubtreeActsAtTheSiteOnTheCurrentSegment)
     expectNear(walk("j", "base.out").moment, {1e-5, 1e-5, -60 * kNm + 1e-5}, roundingBound(3, 60 * kNm));
 }
 
-// ---- Loads
-
-// The site's axes: x points along world y, y along world -x. Its segment's axes differ: x along z.
-//   local (3, 4, 5) = 3·(0, 1, 0) + 4·(-1, 0, 0) + 5·(0, 0, 1) = (-4, 3, 5) kgf
-//   about the origin, at (10, 0, 0): (10, 0, 0) × (-4, 3, 5) = (0, -50, 30) kgf·cm
-class LocalLoads : public JointForces {
-protected:
-    void SetUp() override
-    {
-        SmallFigure figure;
-        figure.segment("base", 0)
-            .site("base", "out", {0, 0, 0})
-            .segment("part", 0, {0, 0, 0}, {4, 4, 4}, {{{0, 0, 1}, {1, 0, 0}, {0, 1, 0}}})
-            .site("part", "in", {0, 0, 0})
-            .site("part", "tip", {10, 0, 0}, {{{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}}})
-            .joint("j", "base.out", "part.in");
-        load(figure);
-    }
-};
-
-TEST_F(LocalLoads, AreTurnedByTheSitesAxes)
-{
-    analysis->setLoad(site("part.tip"), qVector(3, 4, 5), 1);
-    const Sums sums = walk("j", "base.out");
-    EXPECT_THAT(components(sums.force), ElementsAre(-4, 3, 5));
-    EXPECT_THAT(components(sums.moment), ElementsAre(0, FloatEq(float(-50 * kNm)), FloatEq(float(30 * kNm))));
-    // the stored load and the site's place are as before
-    qVector load;
-    EXPECT_EQ(analysis->getSiteLoad(site("part.tip"), load), 1);
-    EXPECT_THAT(components(load), ElementsAre(3, 4, 5));
-    EXPECT_THAT(components(site("part.tip")->getGlobalTransform().getTranslation()), ElementsAre(10, 0, 0));
-}
-
-TEST_F(LocalLoads, GlobalOnesAreNotTurned)
-{
-    analysis->setLoad(site("part.tip"), qVector(3, 4, 5), 0);
-    const Sums sums = walk("j", "base.out");
-    EXPECT_THAT(components(sums.force), ElementsAre(3, 4, 5));
-    // (10, 0, 0) × (3, 4, 5) = (0, -50, 40) kgf·cm
-    EXPECT_THAT(components(sums.moment), ElementsAre(0, FloatEq(float(-50 * kNm)), FloatEq(float(40 * kNm))));
-}
-
-// The force is turned, the offset is added as stored: (10, 0, 0) + (0, 2, 0) = (10, 2, 0).
-//   (10, 2, 0) × (-4, 3, 5) = (10, -50, 38) kgf·cm; a turned offset would be (-2, 0, 0)
-TEST_F(LocalLoads, WithAnOffsetKeepTheOffsetUnturned)
-{
-    loadWithOffset* record = analysis->setLoadWithOffset(site("part.tip"), qVector(0, 2, 0), qVector(3, 4, 5), 1);
-    const Sums sums = walk("j", "base.out");
-    EXPECT_THAT(components(sums.force), ElementsAre(-4, 3, 5));
-    EXPECT_THAT(components(sums.moment),
-                ElementsAre(FloatEq(float(10 * kNm)), FloatEq(float(-50 * kNm)), FloatEq(float(38 * kNm))));
-    EXPECT_THAT(components(record->load), ElementsAre(3, 4, 5));   // a copy was turned
-}
-
-TEST_F(LocalLoads, WithAnOffsetAndGlobalAreNotTurned)
-{
-    analysis->setLoadWithOffset(site("part.tip"), qVector(0, 2, 0), qVector(3, 4, 5), 0);
-    const Sums sums = walk("j", "base.out");
-    EXPECT_THAT(components(sums.force), ElementsAre(3, 4, 5));
-    // (10, 2, 0) × (3, 4, 5) = (10, -50, 34) kgf·cm
-    EXPECT_THAT(components(sums.moment),
-                ElementsAre(FloatEq(float(10 * kNm)), FloatEq(float(-50 * kNm)), FloatEq(float(34 * kNm))));
-}
-
-// 2000 g at (10, 0, 0) + (0, 0, 3): (10, 0, 3) × (0, -2, 0) = (6, 0, -20) kgf·cm. On the site itself:
-// (0, 0, -20) kgf·cm.
-TEST_F(LocalLoads, WeightsAreNeverTurned)
-{
-    analysis->setWeightLoad(site("part.tip"), 2000);
-    Sums sums = walk("j", "base.out");
-    EXPECT_THAT(components(sums.force), ElementsAre(0, FloatEq(-2), 0));
-    EXPECT_THAT(components(sums.moment), ElementsAre(0, 0, FloatEq(float(-20 * kNm))));
-    analysis->removeLoad(site("part.tip"));
-    analysis->setWeightLoadWithOffset(site("part.tip"), qVector(0, 0, 3), 2000);
-    sums = walk("j", "base.out");
-    EXPECT_THAT(components(sums.force), ElementsAre(0, FloatEq(-2), 0));
-    EXPECT_THAT(components(sums.moment), ElementsAre(FloatEq(float(6 * kNm)), 0, FloatEq(float(-20 * kNm))));
-}
-
-// An unreadable load takes the site's offset loads with it; the next site counts.
-TEST_F(Walk, LoadThatCannotBeReadSkipsItsSiteOnly)
-{
-    load(onePart(0));
-    analysis->setLoad(site("part.in"), qVector(100, 0, 0), 5);   // no such kind: stored without a kind text
-    analysis->setLoadWithOffset(site("part.in"), qVector(), qVector(10, 0, 0));
-    analysis->setLoadWithOffset(site("part.tip"), qVector(), qVector(1, 0, 0));
-    const Sums sums = walk("j", "base.out");
-    EXPECT_EQ(sums.status, 1);
-    EXPECT_THAT(components(sums.force), ElementsAre(1, 0, 0));
-    EXPECT_THAT(log.takeTexts(), ElementsAre("StaticStrength ERROR: illegal load at site man.part.in"));
-}
-
-TEST_F(Walk, LoadAndOffsetLoadsOfASiteAddUp)
-{
-    load(onePart(0));
-    analysis->setLoad(site("part.tip"), qVector(0, 0, 1));
-    analysis->setLoadWithOffset(site("part.tip"), qVector(1, 0, 0), qVector(0, 0, 2));
-    analysis->setLoadWithOffset(site("part.tip"), qVector(-1, 0, 0), qVector(0, 0, 4));
-    const Sums sums = walk("j", "base.out");
-    EXPECT_THAT(components(sums.force), ElementsAre(0, 0, 7));
-    // (10 · 1 + 11 · 2 + 9 · 4) kgf·cm = 68 kgf·cm, turning from z to x: about -y
-    EXPECT_THAT(components(sums.moment), ElementsAre(0, FloatEq(float(-68 * kNm)), 0));
-}
-
-// Records of sites that the walk does not pass, and of the same-named site of another figure, do not count.
-TEST_F(Walk, OffsetLoadsElsewhereDoNotCount)
-{
-    load(onePart(0));
-    qcSite* otherTip = site("part.tip");
-    AnalysisTest::load(onePart(0, "woman"));
-    analysis->setLoadWithOffset(otherTip, qVector(), qVector(1, 0, 0));
-    analysis->setLoadWithOffset(site("base.out"), qVector(), qVector(1, 0, 0));
-    analysis->setLoadWithOffset(site("part.tip"), qVector(), qVector(0, 0, 2));
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(0, 0, 2));
-}
-
-TEST_F(Walk, RemovedOffsetLoadNoLongerCounts)
-{
-    load(onePart(0));
-    loadWithOffset* first = analysis->setLoadWithOffset(site("part.tip"), qVector(), qVector(1, 0, 0));
-    loadWithOffset* second = analysis->setLoadWithOffset(site("part.tip"), qVector(), qVector(2, 0, 0));
-    analysis->setLoadWithOffset(site("part.tip"), qVector(), qVector(4, 0, 0));
-    EXPECT_EQ(walk("j", "base.out").force[0], 7);
-    analysis->removeLoadWithOffset(second);
-    EXPECT_EQ(walk("j", "base.out").force[0], 5);
-    analysis->removeLoadWithOffset(first);
-    EXPECT_EQ(walk("j", "base.out").force[0], 4);
-}
-
-// The records are read by the walk, not their saved copies: a caller may change one in place.
-TEST_F(Walk, OffsetLoadsAreReadFromTheRecords)
-{
-    load(onePart(0));
-    loadWithOffset* record = analysis->setLoadWithOffset(site("part.tip"), qVector(), qVector(1, 0, 0));
-    record->load.set(0, 0, 3);
-    record->offset.set(10, 0, 0);
-    const Sums sums = walk("j", "base.out");
-    EXPECT_THAT(components(sums.force), ElementsAre(0, 0, 3));
-    EXPECT_THAT(components(sums.moment), ElementsAre(0, FloatEq(float(-60 * kNm)), 0));   // 20 cm · 3 kgf
-    record->site = site("base.out");
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(0, 0, 0));
-}
-
-// ---- Many offset loads: the same bits as the plain double loop over sites and records.
-
-class ManyOffsetLoads : public JointForces, public ::testing::WithParamInterface<int> {};
-
-TEST_P(ManyOffsetLoads, AddUpLikeTheNaiveSumToTheBit)
-{
-    const int numSites = GetParam();
-    SmallFigure figure;
-    figure.segment("base", 0).site("base", "out", {1, 2, 3}).segment("part", 0).site("part", "in", {1, 2, 3});
-    for (int i = 0; i < numSites; ++i)
-        figure.site("part", "s" + std::to_string(i), {0.37 * i, 1.1 * i - 20, 7.7 - 0.13 * i},
-                    {{{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}}});
-    figure.joint("j", "base.out", "part.in");
-
-    // numbers that round everywhere, from a fixed sequence; the loads are restored from the figure's list, so
-    // that the list is not written out anew after each of them
-    std::uint32_t state = 12345;
-    const auto next = [&state] {
-        state = state * 1664525u + 1013904223u;
-        return double(static_cast<float>(state >> 8) / 16777216.0f * 20.0f - 10.0f);
-    };
-    const auto nextVector = [&next] {
-        const double x = next(), y = next(), z = next();
-        return nlohmann::json{"v", {x, y, z}};
-    };
-    nlohmann::json entries = nlohmann::json::array();
-    for (std::uint32_t i = 0; i < 2000; ++i) {
-        const std::uint32_t where = (i * 2654435761u >> 7) % std::uint32_t(numSites);
-        const nlohmann::json offset = nextVector(), force = nextVector();
-        const nlohmann::json key = {"s", "part.s" + std::to_string(where)};
-        const nlohmann::json type = {"s", i % 3 == 0 ? "local" : "global"};
-        entries.push_back({"l", nlohmann::json::array({key, offset, force, type})});
-    }
-    figure.property(nlohmann::json::array({"figure"}), "SSTR_LoadWithOffsetList",
-                    nlohmann::json::array({"l", entries}));
-    load(figure);
-    ASSERT_EQ(analysis->getNumLoadsWithOffset(), 2000);
-    std::vector<loadWithOffset*> records;
-    for (int i = 0; i < 2000; ++i)
-        records.push_back(analysis->getNthLoadWithOffset(i));
-    std::vector<qcSite*> sites;
-    for (int i = 0; i < numSites; ++i)
-        sites.push_back(site("part.s" + std::to_string(i)));
-
-    qVector jointPosition(1, 2, 3), force, moment;
-    for (qcSite* s : sites)
-        for (loadWithOffset* record : records)
-            if (record->site == s) {
-                qVector load = record->load;
-                if (record->local)   // x to y, y to -x, z stays: exact
-                    load.set(-record->load[1], record->load[0], record->load[2]);
-                const qVector place = s->getGlobalTransform().getTranslation();
-                qVector point(place[0] + record->offset[0], place[1] + record->offset[1], place[2] + record->offset[2]);
-                analysis->calcForcesAt(jointPosition, point, load, force, moment);
-            }
-    const Sums sums = walk("j", "base.out");
-    EXPECT_EQ(sums.status, 1);
-    EXPECT_EQ(bits(sums.force), bits(force));
-    EXPECT_EQ(bits(sums.moment), bits(moment));
-}
-
-INSTANTIATE_TEST_SUITE_P(Sites, ManyOffsetLoads, ::testing::Values(1, 2, 7, 64, 500));
-
-// ---- Palm centres: what counts at a site by its name
-
-class PalmCentre : public JointForces {
-protected:
-    void useSite(const std::string& name, const std::string& figureName = "man", const std::string& segment = "part")
-    {
-        SmallFigure small(figureName);
-        small.segment("base", 0)
-            .site("base", "out", {0, 0, 0})
-            .segment(segment, 0)
-            .site(segment, "in", {0, 0, 0})
-            .site(segment, name, {10, 0, 0}, {{{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}}})
-            .joint("j", "base.out", segment + ".in");
-        load(small);
-        palm = site(segment + "." + name);
-        figure->setProperty("RightZelHandLoads", qcValue("1 2 3"));
-        figure->setProperty("LeftZelHandLoads", qcValue("4 5 6"));
-    }
-    qcSite* palm = nullptr;
-};
-
-TEST_F(PalmCentre, TakesTheLoadOfItsSide)
-{
-    useSite("right_palmcenter");
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(1, 2, 3));
-    useSite("palmcenter");
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(4, 5, 6));
-    useSite("Right_palmcenter");   // letters count
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(4, 5, 6));
-    useSite("right_PalmCenter");
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(0, 0, 0));
-}
-
-// The full name counts: what stands in the segment's or the figure's name counts as well.
-TEST_F(PalmCentre, IsFoundInTheFullName)
-{
-    useSite("xpalmcenter2", "man", "right_part");
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(1, 2, 3));
-    useSite("left_palmcenter", "bright");
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(1, 2, 3));
-    // every site of such a figure is one: "in" at the joint and "tip"
-    useSite("tip", "palmcenter");
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(8, 10, 12));
-}
-
-TEST_F(PalmCentre, OneNumberIsAVerticalLoadAtTheSite)
-{
-    useSite("right_palmcenter");
-    figure->setProperty("RightZelHandLoads", qcValue("12"));
-    const Sums sums = walk("j", "base.out");
-    EXPECT_THAT(components(sums.force), ElementsAre(0, 12, 0));
-    EXPECT_THAT(components(sums.moment), ElementsAre(0, 0, FloatEq(float(120 * kNm))));   // 10 cm to the left
-}
-
-// As with local loads: (1, 2, 3) in the site's axes is 1·(0, 1, 0) + 2·(-1, 0, 0) + 3·(0, 0, 1) = (-2, 1, 3) kgf.
-TEST_F(PalmCentre, LocalFlagTurnsTheLoadIntoTheSitesAxes)
-{
-    useSite("right_palmcenter");
-    figure->setProperty("LeftZelHandLoadsLocal", qcValue("1"));
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(1, 2, 3));   // the other hand's
-    figure->setProperty("RightZelHandLoadsLocal", qcValue("1"));
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(-2, 1, 3));
-    useSite("left_palmcenter");
-    figure->setProperty("LeftZelHandLoadsLocal", qcValue("-3"));
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(-5, 4, 6));
-}
-
-TEST_F(PalmCentre, OffsetLoadsCountOnlyBesideALoadOfTheSite)
-{
-    useSite("right_palmcenter");
-    analysis->setLoadWithOffset(palm, qVector(), qVector(100, 0, 0));
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(1, 2, 3));
-    // the site's load takes the hand load's place, and the offset loads count
-    analysis->setLoad(palm, qVector(0, 0, 7));
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(100, 0, 7));
-}
-
-TEST_F(PalmCentre, WithoutAHandLoadHasNoOffsetLoadsEither)
-{
-    useSite("right_palmcenter");
-    analysis->setLoadWithOffset(palm, qVector(), qVector(100, 0, 0));
-    for (const char* text : {"", "none", "7777 5 5"}) {   // an x of 7777 stands for "no hand load"
-        figure->setProperty("RightZelHandLoads", qcValue(text));
-        EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(0, 0, 0)) << text;
-    }
-    figure->removeProperty("RightZelHandLoads");
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(0, 0, 0));
-}
-
-TEST_F(PalmCentre, LoadThatCannotBeReadKeepsTheHandLoadOutToo)
-{
-    useSite("right_palmcenter");
-    setBadLoad("part.right_palmcenter");
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(0, 0, 0));
-    EXPECT_THAT(log.takeTexts(), ElementsAre("StaticStrength ERROR: illegal load at site man.part.right_palmcenter"));
-}
-
-TEST_F(PalmCentre, HandLoadIsHalvedOnTheStopSegment)
-{
-    useSite("right_palmcenter");
-    EXPECT_THAT(components(walk("j", "base.out", "part").force), ElementsAre(0.5f, 1, 1.5f));
-}
-
-// ---- The stop segment
-
-// A load of (0, -10, 0) on the stop segment's site counts (0, -5, 0); everything gathered is halved once more
-// before a weight is added: (0, -2.5, 0) + (0, -2, 0).
-TEST_F(Walk, StopSegmentHalvesItsLoadsAndAllSumsBeforeItsWeight)
-{
-    load(onePart(2000));
-    analysis->setLoad(site("part.in"), qVector(0, -10, 0));
-    EXPECT_THAT(components(walk("j", "base.out", "part").force), ElementsAre(0, FloatEq(-4.5f), 0));
-    EXPECT_THAT(components(walk("j", "base.out").force), ElementsAre(0, FloatEq(-12), 0));
-}
-
-TEST_F(Walk, StopSegmentWithoutWeightHalvesItsLoadsOnly)
-{
-    for (const double grams : {0.0, -1.0}) {
-        load(onePart(grams));
-        analysis->setLoad(site("part.in"), qVector(0, -10, 0));
-        EXPECT_THAT(components(walk("j", "base.out", "part").force), ElementsAre(0, -5, 0)) << grams;
-    }
-}
-
-// On the stop segment, about the origin: 8 kgf up at (10, 0, 0), halved 4 kgf: (0, 0, 40) kgf·cm; an offset load
-// of 8 kgf up at (10, 0, 0) + (6, 0, 0), halved: (0, 0, 64) kgf·cm. Force (0, 8, 0).
-TEST_F(Walk, StopSegmentHalvesOffsetLoadsToo)
-{
-    load(onePart(0));
-    analysis->setLoad(site("part.tip"), qVector(0, 8, 0));
-    analysis->setLoadWithOffset(site("part.tip"), qVector(6, 0, 0), qVector(0, 8, 0));
-    const Sums sums = walk("j", "base.out", "part");
-    EXPECT_THAT(components(sums.force), ElementsAre(0, 8, 0));
-    EXPECT_THAT(components(sums.moment), ElementsAre(0, 0, FloatEq(float(104 * kNm))));
-}
-
-// The torque and what the caller brought are among the sums that a weight halves, the weight's own moment is not.
-//   force: (20, 0, 0)/2 + (0, -2, 0);   moment: ((0, 6, 0) + (0, 0, 4))/2
-TEST_F(Walk, StopSegmentHalvesTheTorqueAndTheIncomingSums)
-{
-    load(onePart(2000));
-    qVector torque(0, 0, 4);
-    analysis->setDefinedTorque(joint("j"), torque);
-    Sums sums = walk("j", "base.out", "part", 1, qVector(20, 0, 0), qVector(0, 6, 0));
-    EXPECT_THAT(components(sums.force), ElementsAre(10, FloatEq(-2), 0));
-    EXPECT_THAT(components(sums.moment), ElementsAre(0, 3, 2));
-
-    // a massless one leaves both whole
-    load(onePart(0));
-    analysis->setDefinedTorque(joint("j"), torque);
-    sums = walk("j", "base.out", "part", 1, qVector(20, 0, 0), qVector(0, 6, 0));
-    EXPECT_THAT(components(sums.force), ElementsAre(20, 0, 0));
-    EXPECT_THAT(components(sums.moment), ElementsAre(0, 6, 4));
-}
-
-// The weight's moment is not halved: 2 kgf at (10, 0, 0) is (0, 0, -20) kgf·cm.
-TEST_F(Walk, StopSegmentsWeightCountsInFull)
-{
-    SmallFigure figure = onePart(2000);
-    figure.document()["segments"][1]["com"] = {10, 0, 0};
-    load(figure);
-    const Sums sums = walk("j", "base.out", "part");
-    EXPECT_THAT(components(sums.force), ElementsAre(0, FloatEq(-2), 0));
-    EXPECT_THAT(components(sums.moment), ElementsAre(0, 0, FloatEq(float(-20 * kNm))));
-}
-
-// The local load of a stop segment is turned first and halved then: the half of LocalLoads' (-4, 3, 5).
-TEST_F(LocalLoads, OnTheStopSegmentAreTurnedAndHalved)
-{
-    analysis->setLoad(site("part.tip"), qVector(3, 4, 5), 1);
-    EXPECT_THAT(components(walk("j", "base.out", "part").force), ElementsAre(-2, 1.5f, 2.5f));
-    analysis->removeLoad(site("part.tip"));
-    analysis->setLoadWithOffset(site("part.tip"), qVector(0, 2, 0), qVector(3, 4, 5), 1);
-    const Sums sums = walk("j", "base.out", "part");
-    EXPECT_THAT(components(sums.force), ElementsAre(-2, 1.5f, 2.5f));
-    // half of (10, -50, 38) kgf·cm: the offset stays whole
-    EXPECT_THAT(components(sums.moment),
-                ElementsAre(FloatEq(float(5 * kNm)), FloatEq(float(-25 * kNm)), FloatEq(float(19 * kNm))));
-}
-
-// A trunk that joint "right_hip" enters, with "waist" above it and another joint beside:
-//   waist at (0, 10, 0), "left_hip" at (10, 0, 0), the right hip at the origin; the trunk is the stop segment
-class StopSegmentJoints : public JointForces {
-protected:
-    void build(double trunkGrams, const std::string& entering = "right_hip", const std::string& above = "waist")
-    {
-        SmallFigure figure;
-        figure.segment("leg", 5000)
-            .site("leg", "top", {0, 0, 0})
-            .segment("trunk", trunkGrams)
-            .site("trunk", "hip", {0, 0, 0})
-            .site("trunk", "top", {0, 10, 0})
-            .site("trunk", "other_hip", {10, 0, 0})
-            .segment("chest", 3000)
-            .site("chest", "bottom", {0, 10, 0})
-            .segment("other_leg", 3000)
-            .site("other_leg", "top", {10, 0, 0})
-            .joint(entering, "trunk.hip", "leg.top")
-            .joint(above, "trunk.top", "chest.bottom")
-            .joint("left_hip", "trunk.other_hip", "other_leg.top");
-        load(figure);
-        entry = entering;
-        analysis->setFMonJoint(joint(above), qVector(4, -8, 2), qVector(1, 2, 3));
-        analysis->setFMonJoint(joint("left_hip"), qVector(100, 100, 100), qVector(100, 100, 100));
-        analysis->setStrategy(qmStaticStrength::TwoFeet);
-        share(kLeftHip) = 0.75f;
-        share(kRightHip) = 0.25f;
-    }
-    Sums walkToTrunk() { return walk(entry, "leg.top", "trunk"); }
-    std::string entry;
-};
-
-// share 0.25 of the waist's (4, -8, 2) kgf and (1, 2, 3) N·m: (1, -2, 0.5) and (0.25, 0.5, 0.75), acting at the waist:
-//   (0, 10, 0) × (1, -2, 0.5) = (5, 0, -10) kgf·cm; the other hip's result has the share 0
-TEST_F(StopSegmentJoints, GiveTheShareOfTheirStoredResults)
-{
-    build(0);
-    const Sums sums = walkToTrunk();
-    EXPECT_EQ(sums.status, 1);
-    EXPECT_THAT(components(sums.force), ElementsAre(1, -2, 0.5f));
-    expectNear(sums.moment, {5 * kNm + 0.25, 0.5, -10 * kNm + 0.75}, roundingBound(3, 10 * kNm + 0.75));
-    // what was read is as it was, and no walk went there
-    EXPECT_THAT(components(resultOf("waist").force), ElementsAre(4, -8, 2));
-    EXPECT_THAT(components(resultOf("left_hip").force), ElementsAre(100, 100, 100));
-}
-
-// A weight of 2 kgf at the hip halves the shares that were gathered.
-TEST_F(StopSegmentJoints, AreHalvedOnceMoreByAWeight)
-{
-    build(2000);
-    const Sums sums = walkToTrunk();
-    EXPECT_THAT(components(sums.force), ElementsAre(0.5f, FloatEq(-3), 0.25f));
-    expectNear(sums.moment, {2.5 * kNm + 0.125, 0.25, -5 * kNm + 0.375}, roundingBound(3, 5 * kNm + 0.375));
-}
-
-TEST_F(StopSegmentJoints, GiveTheOtherShareToAJointOfTheOtherSide)
-{
-    build(0, "hip_on_the_left");
-    EXPECT_THAT(components(walkToTrunk().force), ElementsAre(3, -6, 1.5f));
-}
-
-TEST_F(StopSegmentJoints, WithoutAStoredResultGiveNothing)
-{
-    build(0);
-    joint("waist")->removeProperty("SSTR_Force_Moment");
-    EXPECT_THAT(components(walkToTrunk().force), ElementsAre(0, 0, 0));
-    joint("waist")->setProperty("SSTR_Force_Moment", qcValue("no result"));
-    EXPECT_THAT(components(walkToTrunk().force), ElementsAre(0, 0, 0));
-    EXPECT_FALSE(hasResult("right_hip"));
-}
-
-// With the share 0 the stored result is not even read: nothing of an infinite one comes through.
-TEST_F(StopSegmentJoints, WithTheShareZeroGiveNothingWhateverIsStored)
-{
-    build(0);
-    const float infinite = std::numeric_limits<float>::infinity();
-    analysis->setFMonJoint(joint("waist"), qVector(infinite, infinite, infinite),
-                           qVector(infinite, infinite, infinite));
-    share(kRightHip) = 0;
-    EXPECT_THAT(components(walkToTrunk().force), ElementsAre(0, 0, 0));
-    qVector force(1, 2, 3), moment(4, 5, 6);
-    callPrivate<SpecialMember>(*analysis, joint("waist"), joint("right_hip"), force, moment);
-    EXPECT_THAT(components(force), ElementsAre(0, 0, 0));
-    EXPECT_THAT(components(moment), ElementsAre(0, 0, 0));
-}
-
-TEST_F(StopSegmentJoints, GiveTheirShareOfForceAndMoment)
-{
-    build(0);
-    qVector force, moment;
-    callPrivate<SpecialMember>(*analysis, joint("waist"), joint("right_hip"), force, moment);
-    EXPECT_THAT(components(force), ElementsAre(1, -2, 0.5f));
-    EXPECT_THAT(components(moment), ElementsAre(0.25f, 0.5f, 0.75f));
-}
-
-// Only "waist" is shared between the hips.
-TEST_F(StopSegmentJoints, OfOtherNamesGiveNothing)
-{
-    build(0, "right_hip", "waist2");
-    EXPECT_THAT(components(walkToTrunk().force), ElementsAre(0, 0, 0));
-}
-
-// Under one foot no stored result counts, but loads and sums are halved all the same:
-//   (0, -10, 0)/2, halved once more, and 2 kgf of weight
-TEST_F(StopSegmentJoints, GiveNothingUnderOneFootWhileHalvingStays)
-{
-    build(2000);
-    analysis->setStrategy(qmStaticStrength::RightFoot);
-    analysis->setLoad(site("trunk.hip"), qVector(0, -10, 0));
-    EXPECT_THAT(components(walkToTrunk().force), ElementsAre(0, FloatEq(-4.5f), 0));
-}
-
-// The stop segment may lie further along: the walk goes on normally until it comes there.
-TEST_F(Walk, StopsFurtherAlongTheTree)
-{
-    SmallFigure figure = twoLinks();
-    figure.segment("link3", 9000).site("link3", "in", {20, 0, 10}).joint("c", "link2.tip", "link3.in");
-    load(figure);
-    analysis->setLoad(site("link2.tip"), qVector(0, 0, 8));
-    const Sums sums = walk("a", "base.out", "link2");
-    EXPECT_EQ(sums.status, 1);
-    // link2: 8 · 0.5 · 0.5 and its 2 kgf; link3 is not reached; link1 in full
-    EXPECT_THAT(components(sums.force), ElementsAre(0, FloatEq(-7), 2));
-    EXPECT_THAT(components(resultOf("b").force), ElementsAre(0, FloatEq(-2), 2));
-    EXPECT_FALSE(hasResult("c"));
-}
-
 // ---- Thresholds
 
 TEST_F(Walk, ResultNextToNothingIsRemoved)
@@ -1406,6 +689,7 @@ TEST_F(Walk, SubtreesNextToNothingAddUpToNothing)
 
 // ---- One segment alone
 
+// The flag is on for any number but zero.
 TEST_F(Walk, SegmentOnlyTakesNoOtherJointIntoAccount)
 {
     load(twoLinks());
@@ -1415,21 +699,17 @@ TEST_F(Walk, SegmentOnlyTakesNoOtherJointIntoAccount)
     analysis->setLoad(site("link2.tip"), qVector(100, 0, 0));
     qVector torque(0, 3, 0);
     analysis->setDefinedTorque(joint("a"), torque);
-    segmentOnly = 1;
-    const Sums sums = walk("a", "base.out");
-    EXPECT_EQ(sums.status, 1);
-    EXPECT_THAT(components(sums.force), ElementsAre(2, FloatEq(-5), 1));
-    // (20, 0, 0) × (0, 0, 1) = (0, -20, 0) kgf·cm; the weight at (10, 0, 0): (0, 0, -50) kgf·cm
-    expectNear(sums.moment, {0, 3 - 20 * kNm, -50 * kNm}, roundingBound(3, 3 + 20 * kNm + 50 * kNm));
-    EXPECT_THAT(components(resultOf("b").force), ElementsAre(7, 7, 7));
-    EXPECT_EQ(bits(resultOf("a").force), bits(sums.force));
-}
-
-TEST_F(StopSegmentJoints, AreNotReadWhileOneSegmentIsTakenAlone)
-{
-    build(0);
-    segmentOnly = 1;
-    EXPECT_THAT(components(walkToTrunk().force), ElementsAre(0, 0, 0));
+    for (const int flag : {1, 2, -1}) {
+        SCOPED_TRACE(flag);
+        segmentOnly = flag;
+        const Sums sums = walk("a", "base.out");
+        EXPECT_EQ(sums.status, 1);
+        EXPECT_THAT(components(sums.force), ElementsAre(2, FloatEq(-5), 1));
+        // (20, 0, 0) × (0, 0, 1) = (0, -20, 0) kgf·cm; the weight at (10, 0, 0): (0, 0, -50) kgf·cm
+        expectNear(sums.moment, {0, 3 - 20 * kNm, -50 * kNm}, roundingBound(3, 3 + 20 * kNm + 50 * kNm));
+        EXPECT_THAT(components(resultOf("b").force), ElementsAre(7, 7, 7));
+        EXPECT_EQ(bits(resultOf("a").force), bits(sums.force));
+    }
 }
 
 // A stop segment halves its loads and sums also when it is taken alone: (0, -10, 0) · 0.5 · 0.5 - 2.
@@ -1485,6 +765,18 @@ TEST(PrintVector, WritesItsLabelAsItIsAndSixDecimals)
     debugPrint = 0;
     printVector("silent", qVector(1, 2, 3));
     EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Hip %s Moment [1.500000][-0.250000][0.000000]\n");
+}
+
+// The lines are for programs that read them too: a point in every locale.
+TEST(PrintVector, WritesADecimalPointInEveryLocale)
+{
+    const DecimalComma comma;
+    debugPrint = 1;
+    ::testing::internal::CaptureStdout();
+    printVector("wvec", qVector(0, -2, 0));
+    debugPrint = 0;
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "wvec[0.000000][-2.000000][0.000000]\n");
+    EXPECT_TRUE(DecimalComma::inForce());   // the process keeps its locale
 }
 
 // ---- A very long chain

@@ -7,7 +7,10 @@
 #include "Units.h"
 
 #include <climits>
+#include <cmath>
+#include <limits>
 #include <string>
+#include <utility>
 
 using ::testing::ElementsAre;
 using ::testing::FloatEq;
@@ -203,6 +206,29 @@ TEST_F(Loads, FactorOfAWeightIsFormedInDoubleAndNarrowedOnce)
     EXPECT_EQ(double(STD_G), 980.6649780273438);
 }
 
+// The product of weight and 0.001 stays in double, 0.001 is the double one, and the quotient is narrowed before gravity
+// is scaled. Each weight gives another number where one of the three is not so.
+TEST_F(Loads, NothingButTheFactorOfAWeightIsNarrowed)
+{
+    const double standardGravity = 980.6649780273438;
+    const auto scaled = [](double factor) { return -980.665f * static_cast<float>(factor); };
+    const auto expectForce = [this](float grams, float expected) {
+        analysis->setWeightLoad(site("hand.grip"), grams);
+        EXPECT_THAT(read(site("hand.grip")).load, ElementsAre(0, expected, 0)) << grams << " g";
+    };
+
+    for (const auto& [grams, expected] : {std::pair<float, float>{10, -0.0100000007f}, {12345, -12.3449993f}}) {
+        const double product = double(grams) * 0.001;
+        ASSERT_NE(expected, scaled(double(static_cast<float>(product)) / standardGravity));
+        ASSERT_NE(expected, static_cast<float>(-double(980.665f) * (product / standardGravity)));
+        expectForce(grams, expected);
+    }
+    for (const auto& [grams, expected] : {std::pair<float, float>{12345, -12.3449993f}, {72.57f, -0.0725699961f}}) {
+        ASSERT_NE(expected, scaled(double(grams) * double(0.001f) / standardGravity));
+        expectForce(grams, expected);
+    }
+}
+
 // Law: a weight's force grows with gravity; doubling is exact in binary.
 TEST_F(Loads, ForceOfAWeightIsProportionalToGravity)
 {
@@ -344,6 +370,28 @@ TEST_F(Loads, RemovingGoesByTheSitesProperty)
     EXPECT_EQ(loadList(), "absent");
 }
 
+// A property is there whatever it holds, even nothing.
+TEST_F(Loads, EmptyValueOnASiteIsRemovedLikeALoad)
+{
+    putOn("hand.tip", qcValue());
+    EXPECT_EQ(analysis->removeLoad(site("hand.tip")), 1);
+    EXPECT_EQ(loadOn("hand.tip"), "absent");
+    EXPECT_EQ(analysis->removeLoad(site("hand.tip")), 0);
+}
+
+// Where the list has no entry to remove, what stands in its place is not touched, not even an empty list.
+TEST_F(Loads, RemovingALoadThatIsNotListedLeavesTheListPropertyAsItIs)
+{
+    for (const qcValue& other : {list({}), qcValue(), text("x")}) {
+        SCOPED_TRACE(describe(other));
+        setList(other);
+        putOn("hand.tip", text("whatever"));
+        EXPECT_EQ(analysis->removeLoad(site("hand.tip")), 1);
+        EXPECT_EQ(loadOn("hand.tip"), "absent");
+        EXPECT_EQ(loadList(), describe(other));
+    }
+}
+
 // ---- Counting and finding ------------------------------------------------------------------------
 
 TEST_F(Loads, SitesAreFoundByPosition)
@@ -475,6 +523,27 @@ TEST_F(Loads, KeysOfAnyLengthAreWhole)
 TEST_F(Loads, SiteWithoutALoadHasNone)
 {
     expectNoLoad(site("hand.grip"));
+}
+
+// The texts of the types are there once, and outlive the loads.
+TEST_F(Loads, TypesAreConstantTexts)
+{
+    const char* texts[3][2];
+    qcSite* const sites[2] = {site("hand.grip"), site("hand.tip")};
+    for (int i = 0; i < 2; ++i) {
+        analysis->setLoad(sites[i], {1, 2, 3}, 0);
+        texts[0][i] = analysis->getLoadType(sites[i]);
+        analysis->setLoad(sites[i], {1, 2, 3}, 1);
+        texts[1][i] = analysis->getLoadType(sites[i]);
+        analysis->setWeightLoad(sites[i], 5);
+        texts[2][i] = analysis->getLoadType(sites[i]);
+        analysis->removeLoad(sites[i]);
+    }
+    const char* const expected[3] = {"global", "local", "weight"};
+    for (int kind = 0; kind < 3; ++kind) {
+        EXPECT_STREQ(texts[kind][0], expected[kind]);
+        EXPECT_EQ(texts[kind][0], texts[kind][1]) << expected[kind];   // the same text, not an equal one
+    }
 }
 
 TEST_F(Loads, MisshapenLoadsReadAsNone)
@@ -651,19 +720,39 @@ TEST(LoadEntries, MagnitudeIsTheVectors)
     EXPECT_EQ(parseLoadEntry(entry, {0, -1, 0}, key, nullptr), 1);
 }
 
+// Below 1e-5 fails, and 1e-5 in single precision, 9.99999975e-06, is below; the next number, 1.00000007e-05, is not.
+TEST(LoadEntries, LeastMagnitudeIsOneHundredThousandthInDouble)
+{
+    ASSERT_LT(double(1e-5f), 1e-5);
+    char* key = nullptr;
+    qcValue below = list({text("hand.grip"), vector(0, 1e-5f, 0), text("global")});
+    EXPECT_EQ(parseLoadEntry(below, {0, -1, 0}, key, nullptr), 0);
+    qcValue above = list({text("hand.grip"), vector(0, std::nextafter(1e-5f, 1.0f), 0), text("global")});
+    EXPECT_EQ(parseLoadEntry(above, {0, -1, 0}, key, nullptr), 1);
+}
+
+// What is no number is not below it either.
+TEST(LoadEntries, LoadThatIsNotANumberIsRead)
+{
+    qcValue entry = list({text("hand.grip"), vector(0, std::numeric_limits<float>::quiet_NaN(), 0), text("global")});
+    char* key = nullptr;
+    EXPECT_EQ(parseLoadEntry(entry, {0, -1, 0}, key, nullptr), 1);
+}
+
 // ---- The load in the world -----------------------------------------------------------------------
 
 // The segment is turned a quarter about z (its x points up, its y to the right), the site a quarter about x
 // (its y points forward). A local (1, 2, 3) turns with the segment, not with the site:
 //   1 · (0, 1, 0) + 2 · (-1, 0, 0) + 3 · (0, 0, 1) = (-2, 1, 3) kgf
-// and the segment's position (10, 20, 30) does not enter.
+// and the segment's position (10, 20, 30) does not enter. Nor does the site's second position.
 class GlobalSiteLoad : public AnalysisTest {
 protected:
     void SetUp() override
     {
         load(SmallFigure("man")
                  .segment("hand", 500, {0, 0, 0}, {10, 20, 30}, {{{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}}})
-                 .site("hand", "grip", {40, 50, 60}, {{{1, 0, 0}, {0, 0, 1}, {0, -1, 0}}}));
+                 .site("hand", "grip", {40, 50, 60}, {{{1, 0, 0}, {0, 0, 1}, {0, -1, 0}}})
+                 .secondPosition("hand.grip", {1, 2, 3}));
     }
     qVector force, point;
 };

@@ -263,6 +263,30 @@ TEST_F(LowerBody, AWaistWithoutAResultCountsNothing)
     EXPECT_EQ(resultOf("waist").status, 0);   // and nothing is stored there
 }
 
+// So does one that holds something else than a result.
+TEST_F(LowerBody, AWaistWithSomethingThatIsNoResultCountsNothing)
+{
+    load(smallBody());
+    human->getWaistJoint()->setProperty("SSTR_Force_Moment", qcValue("x"));
+    legs();
+    expectResult("right_ankle", {0, -34, 0}, {0, 0, -(12 * 20 + 10 * 10) * S});
+    expectExactly("right_hip", {0, -10, 0}, {0, 0, 0});
+}
+
+// A mass below zero lifts, as a walk would not have it. Right lower leg -4 kgf, all in the plane z = 0: one foot.
+//   about the right ankle  12 · 20 + 40 · 10 = 640;  about the left  (8 - 4) · 20 + 40 · 10 = 480: the left foot
+//   left ankle  12 + 8 - 4 + 40 = 56;  right knee  the lower leg alone, 4 up;  right hip  with the upper leg, 4 down
+TEST_F(LowerBody, AMassBelowZeroLifts)
+{
+    load(smallBody());
+    segment("right_lower_leg")->setMass(-4000);
+    legs({0, -30, 0});
+    expectResult("left_ankle", {0, -56, 0}, {0, 0, 480 * S});
+    expectExactly("right_ankle", {0, 0, 0}, {0, 0, 0});
+    expectResult("right_knee", {0, 4, 0}, {0, 0, 0});
+    expectResult("right_hip", {0, -4, 0}, {0, 0, 0});
+}
+
 // Infinite moments are equal, their parts along X = (1, 1, 0) cancel to not-a-number: one foot, the right one.
 TEST_F(LowerBody, AProductThatIsNotANumberIsOneFoot)
 {
@@ -675,6 +699,33 @@ TEST_F(LowerBody, OneFootStoresTheSupportingSideFirst)
     EXPECT_FLOAT_EQ(resultOf("left_hip").force[1], -12);
     shared("left-left", kneeIsHip, -1);
     EXPECT_FLOAT_EQ(resultOf("left_hip").force[1], -48);
+}
+
+// One joint as both knees: the supporting one (48) is stored first, the free one (4) last.
+TEST_F(LowerBody, OneFootStoresTheSupportingKneeBeforeTheFreeOne)
+{
+    for (const float turn : {1.0f, -1.0f}) {
+        SmallFigure body = smallBody(turn > 0 ? "right" : "left");
+        body.joint("knees", "right_upper_leg.distal", "left_upper_leg.distal");
+        body.role("left", "knee", "knees").role("right", "knee", "knees");
+        load(body);
+        legs({0, -30, 0}, {0, 0, turn});
+        expectResult("knees", {0, -4, 0}, {0, 0, 0});
+    }
+}
+
+// One joint as right hip and right ankle: the ankles (64 on the right foot, 0 on the left) are stored before the hip
+// (40 as the supporting one, 12 as the free one).
+TEST_F(LowerBody, OneFootStoresTheAnklesBeforeTheHips)
+{
+    for (const auto& [turn, hip] : {std::pair<float, double>{1.0f, 40}, {-1.0f, 12}}) {
+        SmallFigure body = smallBody(turn > 0 ? "right" : "left");
+        body.joint("both", "lower_torso.right_hip", "right_lower_leg.distal");
+        body.role("right", "hip", "both").role("right", "ankle", "both");
+        load(body);
+        legs({0, -30, 0}, {0, 0, turn});
+        expectResult("both", {0, -hip, 0}, {0, 0, turn > 0 ? 1.0 : 0.0});
+    }
 }
 
 // Both feet: right ankle, left ankle, left hip, left knee, right hip, right knee. The forces of the

@@ -1,13 +1,21 @@
 // Loads with offsets: the records, the two properties they are written to, and making records from the figure's list.
 #include "AnalysisTest.h"
+#include "PrivateMembers.h"
 #include "SavedValues.h"
 
 #include <climits>
 #include <cstddef>
+#include <memory>
 #include <string>
 
 using ::testing::ElementsAre;
 using ::testing::FloatEq;
+
+struct ParseEntry {
+    using type = loadWithOffset* (qmStaticStrength::*)(qcValue&) const;
+    friend type get(ParseEntry);
+};
+template struct Expose<ParseEntry, &qmStaticStrength::parseOffsetLoadEntry>;
 
 namespace {
 
@@ -173,6 +181,109 @@ TEST_F(OffsetLoads, ForceOnAnotherFigureLastsUntilAReset)
     EXPECT_EQ(stored(foreign, "SSTR_LoadsWithOffsets"), "[[(1, 2, 3), (4, 5, 6), \"global\"]]");
 }
 
+// A site's list is that of the site, not of its key: of two sites of one key each has its own. The figure's list tells
+// keys only, and so a reset finds this figure's site for both.
+TEST_F(OffsetLoads, SitesOfOneKeyHaveTheirOwnLists)
+{
+    qcSite* foreign = site("hand.grip");
+    load(threeSites("other"));
+    analysis->setLoadWithOffset(foreign, {1, 0, 0}, {0, -1, 0});
+    analysis->setLoadWithOffset(site("hand.grip"), {2, 0, 0}, {0, -2, 0});
+    EXPECT_EQ(stored(foreign, "SSTR_LoadsWithOffsets"), "[[(1, 0, 0), (0, -1, 0), \"global\"]]");
+    EXPECT_EQ(siteList("hand.grip"), "[[(2, 0, 0), (0, -2, 0), \"global\"]]");
+    EXPECT_EQ(
+        figureList(),
+        "[[\"hand.grip\", (1, 0, 0), (0, -1, 0), \"global\"], [\"hand.grip\", (2, 0, 0), (0, -2, 0), \"global\"]]");
+
+    EXPECT_EQ(analysis->reset(), 1);
+    ASSERT_EQ(analysis->getNumLoadsWithOffset(), 2);
+    EXPECT_EQ(nth(0)->site, site("hand.grip"));
+    EXPECT_EQ(nth(1)->site, site("hand.grip"));
+    EXPECT_EQ(siteList("hand.grip"), "[[(1, 0, 0), (0, -1, 0), \"global\"], [(2, 0, 0), (0, -2, 0), \"global\"]]");
+}
+
+// Each analysis has its own records: the figure's list is that of the one that wrote last, and a site of which it has
+// no record keeps what the other wrote there.
+TEST_F(OffsetLoads, RecordsAreEachAnalysissOwn)
+{
+    qmStaticStrength other(human);
+    analysis->setLoadWithOffset(site("hand.grip"), {1, 0, 0}, {0, -1, 0});
+    other.setLoadWithOffset(site("hand.tip"), {2, 0, 0}, {0, -2, 0});
+    EXPECT_EQ(analysis->getNumLoadsWithOffset(), 1);
+    EXPECT_EQ(other.getNumLoadsWithOffset(), 1);
+    EXPECT_EQ(figureList(), "[[\"hand.tip\", (2, 0, 0), (0, -2, 0), \"global\"]]");
+    EXPECT_EQ(siteList("hand.grip"), "[[(1, 0, 0), (0, -1, 0), \"global\"]]");
+    EXPECT_EQ(siteList("hand.tip"), "[[(2, 0, 0), (0, -2, 0), \"global\"]]");
+}
+
+// ---- What a change writes: everything, from the records ------------------------------------------
+
+class WholeOffsetList : public OffsetLoads {
+protected:
+    void SetUp() override
+    {
+        OffsetLoads::SetUp();
+        a = analysis->setLoadWithOffset(site("hand.grip"), {1, 0, 0}, {0, -1, 0});
+        analysis->setLoadWithOffset(site("head.top"), {2, 0, 0}, {0, -2, 0});
+    }
+    loadWithOffset* setC() { return analysis->setLoadWithOffset(site("hand.tip"), {3, 0, 0}, {0, -3, 0}); }
+
+    loadWithOffset* a = nullptr;
+    const std::string onFigure = "[[\"hand.grip\", (1, 0, 0), (0, -1, 0), \"global\"], "
+                                 "[\"head.top\", (2, 0, 0), (0, -2, 0), \"global\"]";
+    const std::string ofC = ", [\"hand.tip\", (3, 0, 0), (0, -3, 0), \"global\"]";
+    const std::string onGrip = "[[(1, 0, 0), (0, -1, 0), \"global\"]]";
+};
+
+TEST_F(WholeOffsetList, IsWrittenAfterASet)
+{
+    figure->removeProperty("SSTR_LoadWithOffsetList");
+    site("hand.grip")->removeProperty("SSTR_LoadsWithOffsets");
+    setC();
+    EXPECT_EQ(figureList(), onFigure + ofC + "]");
+    EXPECT_EQ(siteList("hand.grip"), onGrip);
+
+    site("hand.grip")->removeProperty("SSTR_LoadsWithOffsets");
+    analysis->setWeightLoadWithOffset(site("hand.tip"), {4, 0, 0}, 1000);
+    EXPECT_EQ(figureList(), onFigure + ofC + ", [\"hand.tip\", (4, 0, 0), (0, -1, 0), \"weight\", 1000]]");
+    EXPECT_EQ(siteList("hand.grip"), onGrip);
+}
+
+TEST_F(WholeOffsetList, IsWrittenAfterARemoval)
+{
+    loadWithOffset* c = setC();
+    figure->setProperty("SSTR_LoadWithOffsetList", text("x"));
+    site("hand.grip")->setProperty("SSTR_LoadsWithOffsets", text("x"));
+    analysis->removeLoadWithOffset(c);
+    EXPECT_EQ(figureList(), onFigure + "]");
+    EXPECT_EQ(siteList("hand.grip"), onGrip);
+}
+
+// What another hand put into the list is no record, and goes.
+TEST_F(WholeOffsetList, HoldsTheRecordsOnly)
+{
+    figure->setProperty("SSTR_LoadWithOffsetList",
+                        list({list({text("hand.tip"), vector(9, 0, 0), vector(0, -9, 0), text("global")})}));
+    site("hand.grip")
+        ->setProperty("SSTR_LoadsWithOffsets", list({list({vector(9, 0, 0), vector(0, -9, 0), text("global")})}));
+    setC();
+    EXPECT_EQ(figureList(), onFigure + ofC + "]");
+    EXPECT_EQ(siteList("hand.grip"), onGrip);
+    EXPECT_EQ(siteList("hand.tip"), "[[(3, 0, 0), (0, -3, 0), \"global\"]]");
+}
+
+// A record changed in place is written as it is at the next change.
+TEST_F(WholeOffsetList, ShowsWhatTheRecordsHoldThen)
+{
+    a->offset.set(7, 8, 9);
+    a->load.set(0, 0, 5);
+    setC();
+    EXPECT_EQ(figureList(), "[[\"hand.grip\", (7, 8, 9), (0, 0, 5), \"global\"], "
+                            "[\"head.top\", (2, 0, 0), (0, -2, 0), \"global\"]"
+                                + ofC + "]");
+    EXPECT_EQ(siteList("hand.grip"), "[[(7, 8, 9), (0, 0, 5), \"global\"]]");
+}
+
 // ---- Order ---------------------------------------------------------------------------------------
 
 TEST_F(OffsetLoads, TwoOnOneSiteAreTwoEntriesInTheOrderSet)
@@ -334,6 +445,38 @@ TEST_F(OffsetLoads, WeightRestoredAfterAChangeOfGravityIsConvertedAnew)
     EXPECT_EQ(figureList(), "[[\"hand.grip\", (1, 2, 3), (0, 0, 1), \"weight\", 2000], "
                             "[\"hand.grip\", (1, 2, 3), (0, -2, 0), \"global\"]]");
     EXPECT_EQ(siteList("hand.grip"), "[[(1, 2, 3), (0, 0, 1), \"weight\", 2000], [(1, 2, 3), (0, -2, 0), \"global\"]]");
+}
+
+// -500 g under half of standard gravity: +0.25 kgf. 0 g: no force, whatever the entry says; unlike a plain load it
+// stays.
+TEST_F(OffsetLoads, WeightsOfZeroAndLessAreConvertedAnewToo)
+{
+    analysis->setWeightLoadWithOffset(site("hand.grip"), {1, 2, 3}, -500);
+    analysis->setGravity({0, -490.3325f, 0});
+    ASSERT_EQ(analysis->getNumLoadsWithOffset(), 1);
+    EXPECT_EQ(figureList(), "[[\"hand.grip\", (1, 2, 3), (-0, 0.25, -0), \"weight\", -500]]");
+    EXPECT_EQ(siteList("hand.grip"), "[[(1, 2, 3), (-0, 0.25, -0), \"weight\", -500]]");
+    EXPECT_THAT(components(nth(0)->load), ElementsAre(0, 0.25f, 0));
+    EXPECT_EQ(nth(0)->mass, -500.0f);
+
+    EXPECT_EQ(restore(list({list({text("hand.grip"), vector(1, 2, 3), vector(1, -2, 3), text("weight"), number(0)})})),
+              1);
+    EXPECT_EQ(figureList(), "[[\"hand.grip\", (1, 2, 3), (0, -0, 0), \"weight\", 0]]");
+    EXPECT_EQ(analysis->reset(), 1);
+    EXPECT_EQ(figureList(), "[[\"hand.grip\", (1, 2, 3), (0, -0, 0), \"weight\", 0]]");
+    ASSERT_EQ(analysis->getNumLoadsWithOffset(), 1);
+    EXPECT_EQ(nth(0)->mass, 0.0f);
+}
+
+// Making a record of an entry writes the converted force back into the entry: 2000 g weigh 2 kgf.
+TEST_F(OffsetLoads, WeightIsWrittenBackIntoTheEntry)
+{
+    qcValue entry = list({text("hand.grip"), vector(1, 2, 3), vector(0, -9, 0), text("weight"), number(2000)});
+    const std::unique_ptr<loadWithOffset> record(callPrivate<ParseEntry>(*analysis, entry));
+    ASSERT_NE(record, nullptr);
+    EXPECT_THAT(components(record->load), ElementsAre(0, -2, 0));
+    EXPECT_EQ(describe(entry), "[\"hand.grip\", (1, 2, 3), (0, -2, 0), \"weight\", 2000]");
+    EXPECT_EQ(analysis->getNumLoadsWithOffset(), 0);   // it is not in the list by that
 }
 
 // Unlike plain loads, none is too small.

@@ -2,6 +2,8 @@
 #include "AnalysisTest.h"
 #include "SavedValues.h"
 
+#include <cmath>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -259,6 +261,42 @@ TEST_F(Reset, GravityThereAndBackGivesTheSameWeights)
     EXPECT_EQ(everything(), before);
 }
 
+// -500 g under half of standard gravity: +0.25 kgf. A weight of 0 g has the force that it was given until a reset
+// converts it: none, and the reset after that drops it.
+TEST_F(Reset, WeightsOfZeroAndLessAreConvertedAnewToo)
+{
+    analysis->setWeightLoad(site("hand.grip"), -500);
+    analysis->setGravity({0, -490.3325f, 0});
+    EXPECT_EQ(loadOn("hand.grip"), "[(-0, 0.25, -0), \"weight\", -500]");
+    EXPECT_EQ(saved(kLoads), "[[\"hand.grip\", (-0, 0.25, -0), \"weight\", -500]]");
+
+    analysis->setLoad(site("hand.grip"), {1, -2, 3}, 2);
+    EXPECT_EQ(analysis->reset(), 1);
+    EXPECT_EQ(loadOn("hand.grip"), "[(0, -0, 0), \"weight\", 0]");
+    EXPECT_EQ(saved(kLoads), "[[\"hand.grip\", (0, -0, 0), \"weight\", 0]]");
+
+    EXPECT_EQ(analysis->reset(), 0);
+    EXPECT_THAT(log.takeTexts(),
+                ElementsAre(cannotParse(list({text("hand.grip"), vector(0, -0.0f, 0), text("weight"), number(0)}))));
+    EXPECT_EQ(loadOn("hand.grip"), "absent");
+    EXPECT_EQ(saved(kLoads), "absent");
+}
+
+// What is no number is not too small: it comes back without a word.
+TEST_F(Reset, LoadThatIsNotANumberIsRestored)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    save(kLoads, list({list({text("hand.grip"), vector(1, nan, 3), text("global")})}));
+    EXPECT_EQ(analysis->reset(), 1);
+    EXPECT_TRUE(log.take().empty());
+    EXPECT_EQ(analysis->getNumLoads(), 1);
+    qVector load;
+    ASSERT_EQ(analysis->getSiteLoad(site("hand.grip"), load), 1);
+    EXPECT_EQ(load[0], 1);
+    EXPECT_TRUE(std::isnan(load[1]));
+    EXPECT_EQ(load[2], 3);
+}
+
 // The stored force is looked at before the weight is converted: under no gravity a weight becomes a zero force,
 // which the reset after that drops like any other zero force.
 TEST_F(Reset, WeightUnderNoGravityIsDroppedByTheSecondReset)
@@ -357,6 +395,14 @@ TEST_F(Reset, RestoredEntriesHoldOnlyWhatALoadHolds)
                        list({text("hand.tip"), vector(0, -1, 0), text("weight"), number(1000), text("more")})}));
     EXPECT_EQ(analysis->reset(), 1);
     EXPECT_EQ(saved(kLoads), "[[\"hand.grip\", (0, -1, 0), \"global\"], [\"hand.tip\", (0, -1, 0), \"weight\", 1000]]");
+}
+
+TEST_F(Reset, RestoredTorqueEntriesHoldOnlyNameAndVector)
+{
+    save(kTorques, list({list({text("wrist"), vector(1, 2, 3), text("more"), number(5)})}));
+    EXPECT_EQ(analysis->reset(), 1);
+    EXPECT_EQ(saved(kTorques), "[[\"wrist\", (1, 2, 3)]]");
+    EXPECT_EQ(torqueAt("wrist"), "[(1, 2, 3)]");
 }
 
 TEST_F(Reset, EntriesOfOneKeyCollapseToTheLaterInTheEarliersPlace)

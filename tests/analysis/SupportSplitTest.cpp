@@ -1,5 +1,7 @@
 // Support split: how the load above the pelvis is shared, and who is asked for a share.
 #include "AnalysisTest.h"
+#include "Chance.h"
+#include "NaiveAnalysis.h"
 #include "PrivateMembers.h"
 
 #include <cmath>
@@ -185,6 +187,94 @@ TEST_F(SupportSplit, MissingSupportsGiveNoNumber)
     }
 }
 
+// Each point is seen along gravity by itself, and then the distances are taken. Subtracting first would be the same but
+// for the rounding, which the numbers here tell apart.
+//   p' = p - (p · n) n        right = |B' - R'| / (|A' - R'| + |B' - R'|)
+class ProjectedPoints : public SupportSplit {
+protected:
+    using Vector = Triple<float>;
+
+    static Vector of(const qVector& v) { return {v[0], v[1], v[2]}; }
+    static float shareOfRight(const qVector& gravity, const qVector& R, const qVector& A, const qVector& B)
+    {
+        const Vector n = unit(of(gravity));
+        const auto seen = [&n](const qVector& p) { return of(p) - n * dot(of(p), n); };
+        const float dRight = length(seen(A) - seen(R)), dLeft = length(seen(B) - seen(R));
+        return dLeft / (dRight + dLeft);
+    }
+    static float shareIfSubtractedFirst(const qVector& gravity, const qVector& R, const qVector& A, const qVector& B)
+    {
+        const auto difference = [&R](qVector p) {
+            p.sub(R);
+            return p;
+        };
+        return shareOfRight(gravity, {0, 0, 0}, difference(A), difference(B));
+    }
+    static SmallFigure::Vector placeOf(const qVector& v) { return {v[0], v[1], v[2]}; }
+
+    // The first one is known to tell the two ways apart; of the others many do.
+    static std::vector<qVector> gravities()
+    {
+        std::vector<qVector> all = {qVector(30, -970, 55)};   // cm/s²
+        Chance chance(1);
+        while (all.size() < 100) {
+            const std::array<double, 3> drawn = chance.vector(1000);
+            all.emplace_back(static_cast<float>(drawn[0]), static_cast<float>(drawn[1]), static_cast<float>(drawn[2]));
+        }
+        return all;
+    }
+
+    const qVector R{1.1f, 90.3f, -2.7f}, A{-11.3f, 0.4f, 7.9f}, B{9.7f, 3.2f, -4.1f};   // balance, right, left, cm
+};
+
+TEST_F(ProjectedPoints, OfTheFeetAgreeWithTheTranscriptionInAllBits)
+{
+    const std::vector<qVector> all = gravities();
+    ASSERT_NE(shareOfRight(all[0], R, A, B), shareIfSubtractedFirst(all[0], R, A, B));
+    build(bodyWith({{kBalance, placeOf(R)}, {"right_foot.sole", placeOf(A)}, {"left_foot.sole", placeOf(B)}}));
+    for (const qVector& gravity : all) {
+        analysis->setGravity(gravity);
+        split(qmStaticStrength::TwoFeet);
+        const float share = shareOfRight(gravity, R, A, B);
+        EXPECT_EQ(shares()[1], share);
+        EXPECT_EQ(shares()[0], static_cast<float>(1.0 - double(share)));
+    }
+}
+
+TEST_F(ProjectedPoints, OfKneesAndHandsAgreeWithTheTranscriptionInAllBits)
+{
+    const qVector rightHand(-14.3f, 2.6f, 61.7f), leftHand(20.9f, 5.1f, 48.3f);
+    build(bodyWith({{kBalance, placeOf(R)},
+                    {"right_upper_leg.distal", placeOf(A)},
+                    {"left_upper_leg.distal", placeOf(B)},
+                    {"right_hand.right_palmcenter", placeOf(rightHand)},
+                    {"left_hand.left_palmcenter", placeOf(leftHand)}}));
+    int told = 0;
+    for (const qVector& gravity : gravities()) {
+        analysis->setGravity(gravity);
+        split(qmStaticStrength::HandsAndKnees);
+        const float knee = shareOfRight(gravity, R, A, B), hand = shareOfRight(gravity, R, rightHand, leftHand);
+        EXPECT_THAT(allShares(), ElementsAre(static_cast<float>(1.0 - double(knee)), knee,
+                                             static_cast<float>(1.0 - double(hand)), hand));
+        told += hand != shareIfSubtractedFirst(gravity, R, rightHand, leftHand);
+    }
+    EXPECT_GT(told, 20);
+}
+
+// Without gravity there is no direction to look along: 0 / 0 in every share that is written, and no message.
+TEST_F(SupportSplit, ZeroGravityIsNotGuarded)
+{
+    build(smallBody());
+    analysis->setGravity(qVector(0, 0, 0));
+    EXPECT_EQ(split(qmStaticStrength::TwoFeet), qmStaticStrength::TwoFeet);
+    EXPECT_TRUE(std::isnan(shares()[0]) && std::isnan(shares()[1]));
+    EXPECT_EQ(shares()[2], 33);
+    EXPECT_EQ(shares()[3], 44);
+    EXPECT_EQ(split(qmStaticStrength::HandsAndKnees), qmStaticStrength::HandsAndKnees);
+    for (const float share : allShares())
+        EXPECT_TRUE(std::isnan(share));
+}
+
 // ---- Walking
 
 TEST_F(SupportSplit, WalkingWithKneesAlikeIsTwoFeetHalfAndHalf)
@@ -227,6 +317,17 @@ TEST_F(SupportSplit, WalkingTurnsToOneFootAtATenthOfARadian)
     EXPECT_EQ(split(), qmStaticStrength::RightFoot);
     buildKnees(0, below);
     EXPECT_EQ(split(), qmStaticStrength::TwoFeet);
+}
+
+// The angles' difference is single-precision too: 0.11 - 0.01 is 0.09999999963 of the floats as they are, and
+// 0.1000000015 once rounded, which is not less than 0.1.
+TEST_F(SupportSplit, WalkingSubtractsTheAnglesInSinglePrecision)
+{
+    ASSERT_LT(double(0.11f) - double(0.01f), 0.1);
+    buildKnees(0.11, 0.01);
+    EXPECT_EQ(split(), qmStaticStrength::LeftFoot);
+    buildKnees(0.01, 0.11);
+    EXPECT_EQ(split(), qmStaticStrength::RightFoot);
 }
 
 // Only the first angle of a knee counts.
@@ -432,6 +533,16 @@ TEST_F(SplitFactor, OfAStoredResultIsZeroUnderEveryOtherStrategy)
         for (const char* name : {"waist", "solar_plexus"})
             for (const char* jointName : {"right_hip", "left_hip", "right_clavicle_joint", "left_clavicle_joint"})
                 EXPECT_EQ(ask(jointName, name), 0) << strategy << jointName << name;
+    }
+}
+
+TEST_F(SplitFactor, OfNothingOrForNothingIsZero)
+{
+    for (const Strategy strategy : {qmStaticStrength::TwoFeet, qmStaticStrength::HandsAndKnees}) {
+        analysis->setStrategy(strategy);
+        EXPECT_EQ(analysis->getSplitFactor(nullptr, 1, "waist"), 0);
+        EXPECT_EQ(analysis->getSplitFactor(joint("right_hip"), 1, nullptr), 0);
+        EXPECT_EQ(analysis->getSplitFactor(nullptr, 1, nullptr), 0);
     }
 }
 

@@ -237,6 +237,19 @@ TEST_F(Torques, RemovingWhereThereIsNoneLeavesTheList)
     EXPECT_EQ(torqueList(), "[[\"shoulder\", (1, 2, 3)]]");
 }
 
+// Where the list has no entry to remove, what stands in its place is not touched, not even an empty list.
+TEST_F(Torques, RemovingATorqueThatIsNotListedLeavesTheListPropertyAsItIs)
+{
+    for (const qcValue& other : {list({}), qcValue(), text("x")}) {
+        SCOPED_TRACE(describe(other));
+        setList(other);
+        joint("wrist")->setProperty("SSTR_Torque", text("whatever"));
+        EXPECT_EQ(analysis->removeDefinedTorque(joint("wrist")), 1);
+        EXPECT_EQ(torqueAt("wrist"), "absent");
+        EXPECT_EQ(torqueList(), describe(other));
+    }
+}
+
 // ---- Counting and finding ------------------------------------------------------------------------
 
 TEST_F(Torques, JointsAreFoundByPosition)
@@ -286,6 +299,13 @@ TEST_F(Torques, JointThatIsGoneHasNone)
 {
     setList(list({list({text("elbow"), vector(1, 2, 3)}), list({text("wrist"), vector(1, 2, 3)})}));
     EXPECT_EQ(analysis->getNthDefinedTorqueJoint(0), nullptr);
+    EXPECT_EQ(analysis->getNthDefinedTorqueJoint(1), joint("wrist"));
+}
+
+TEST_F(Torques, NameAloneSufficesToFindAJoint)
+{
+    setList(list({list({text("shoulder")}), list({text("wrist")})}));
+    EXPECT_EQ(analysis->getNthDefinedTorqueJoint(0), joint("shoulder"));
     EXPECT_EQ(analysis->getNthDefinedTorqueJoint(1), joint("wrist"));
 }
 

@@ -1,7 +1,6 @@
 // Reading URDF: units and axes, segments, sites, joints and their order.
+#include "DecimalComma.h"
 #include "UrdfTexts.h"
-
-#include <clocale>
 
 using testing::ElementsAre;
 using testing::FloatEq;
@@ -310,11 +309,8 @@ TEST_F(UrdfTest, NamesMayHoldAnyCharacter)
 
 TEST_F(UrdfTest, NumbersAreReadAlikeWhateverTheLocale)
 {
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    const bool changed = std::setlocale(LC_ALL, "de_DE.UTF-8") || std::setlocale(LC_ALL, "C.UTF-8");
+    const DecimalComma comma;
     const auto figure = read(robot(body("a", "1.5", "0.25 1e-1 .5")));
-    std::setlocale(LC_ALL, before.c_str());
-    EXPECT_TRUE(changed);
     ASSERT_NE(figure, nullptr);
     EXPECT_EQ(figure->findSegment("a")->getMass(), 1500.0f);
     EXPECT_THAT(components(figure->findSegment("a")->getCenterOfMass()), ElementsAre(10, 50, 25));
