@@ -1,5 +1,6 @@
 // An explanation for people to read.
 #include "Explanation.h"
+#include "Messages.h"
 #include "NumberText.h"
 #include "Table.h"
 
@@ -35,7 +36,8 @@ std::string methodText(const Explanation& e)
 {
     switch (e.method) {
     case Explanation::kWalk:
-        return "walk: the sum of all that lies beyond the joint";
+        return std::string("walk: the sum of all that lies beyond the joint")
+               + (e.trace.stopped ? ", up to where the walk stops" : "");
     case Explanation::kStandingLegs:
         return "legs on two feet: what comes to the waist and weighs above the ankles, shared by the balance about "
                "them";
@@ -87,9 +89,9 @@ std::string walkRules(const Explanation& e)
         text += "placeholder: that joint's moment is at most 0.01 N·m, and (0.00001, 0.00001, 0.00001) counts in its "
                 "place; the line is the difference.\n";
     for (const LeftOut& left : trace.leftOut)
-        text += "Left out as negligible at " + left.joint + ": force " + fixedOrNot(double(left.force.mag()), 4)
-                + " kgf, moment " + fixedOrNot(double(left.moment.mag()), 4) + " N·m ("
-                + std::to_string(left.contributions)
+        text += "Left out as negligible at " + escaped(left.joint) + ": force "
+                + fixedOrNot(double(left.force.mag()), 4) + " kgf, moment " + fixedOrNot(double(left.moment.mag()), 4)
+                + " N·m (" + std::to_string(left.contributions)
                 + (left.contributions == 1 ? " contribution).\n" : " contributions).\n");
     if (!trace.stored)
         text += "Force and moment are both at most 0.01 (kgf, N·m): the joint has no result.\n";

@@ -84,13 +84,13 @@ private:
         constexpr int kDeepest = 40;
         const std::string indentation(static_cast<std::size_t>(2 * std::min(item.depth, kDeepest)), ' ');
         if (item.joint)
-            output += indentation + "joint " + jointName(&figure, item.joint) + jointText(*item.joint) + "\n";
-        output += indentation + "segment " + item.segment->getName() + ": "
+            output += indentation + "joint " + escaped(jointName(&figure, item.joint) + jointText(*item.joint)) + "\n";
+        output += indentation + "segment " + escaped(item.segment->getName()) + ": "
                   + fixed(double(item.segment->getMass()) * 0.001, 3) + " kg, centre of mass "
                   + vectorText(item.segment->getCenterOfMass(), 2) + " cm, at "
                   + vectorText(item.segment->getGlobalTransform().getTranslation(), 2) + " cm\n";
         forEach<qcSite>(item.segment->getSites(), [&](qcSite* site) {
-            output += indentation + "  site " + keyOfSite(site) + " at "
+            output += indentation + "  site " + escaped(keyOfSite(site)) + " at "
                       + vectorText(site->getGlobalTransform().getTranslation(), 2) + " cm\n";
         });
     }
@@ -110,7 +110,7 @@ std::size_t countOf(qList* list)
 std::string headText(qcFigure& figure)
 {
     const auto count = [](qList* list, const char* what) { return std::to_string(countOf(list)) + " " + what; };
-    return std::string("figure ") + figure.getName() + (figure.isPosed() ? " (posed)" : "") + ": "
+    return "figure " + escaped(figure.getName()) + (figure.isPosed() ? " (posed)" : "") + ": "
            + count(figure.getSegments(), "segments, ") + count(figure.getJoints(), "joints, ")
            + count(figure.getSites(), "sites\n") + "total mass " + fixed(figure.getBodyMass() * 0.001, 3)
            + " kg, centre of mass " + vectorText(figure.getBodyCenterOfMass(), 2) + " cm\n"
@@ -161,7 +161,7 @@ int runFigure(const FigureOptions& options)
     if (options.verbose) {
         text += "\nnotes\n";
         for (const std::string& note : shown.figure->getNotes())
-            text += "  " + note + "\n";
+            text += "  " + escaped(note) + "\n";
         if (shown.figure->getNotes().empty())
             text += "  none\n";
     }

@@ -10,14 +10,11 @@ namespace {
 int errors = 0;
 
 // One message is one write: what others write in between cannot cut it.
-void say(const char* kind, const std::string& text)
+void say(const char* kind, std::string text)
 {
-    std::string line = "sstr: ";
-    line += kind;
-    line += text;
-    while (line.back() == '\n')
-        line.pop_back();
-    line += '\n';
+    while (!text.empty() && text.back() == '\n')
+        text.pop_back();
+    const std::string line = std::string("sstr: ") + kind + escaped(text) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
@@ -57,20 +54,25 @@ void forwardHostMessages()
     qcMessages::setSink(fromHost, nullptr);
 }
 
-std::string quoted(const std::string& text)
+std::string escaped(const std::string& text)
 {
-    constexpr std::size_t kLongest = 80;
     static const char digits[] = "0123456789abcdef";
-    std::string result = "\"";
-    for (std::size_t i = 0; i < text.size() && i < kLongest; ++i) {
-        const unsigned char c = static_cast<unsigned char>(text[i]);
+    std::string result;
+    for (const char each : text) {
+        const unsigned char c = static_cast<unsigned char>(each);
         if (c < 0x20 || c == 0x7f) {
             result += "\\x";
             result += digits[c >> 4];
             result += digits[c & 15];
         } else {
-            result += text[i];
+            result += each;
         }
     }
-    return result + (text.size() > kLongest ? "…\"" : "\"");
+    return result;
+}
+
+std::string quoted(const std::string& text)
+{
+    constexpr std::size_t kLongest = 80;
+    return "\"" + escaped(text.substr(0, kLongest)) + (text.size() > kLongest ? "…\"" : "\"");
 }

@@ -92,6 +92,28 @@ std::string didYouMean(const std::string& wrong, const std::vector<std::string>&
     return offer.empty() ? "" : offer + "?";
 }
 
+namespace {
+
+// The end of the message about a part of a figure.
+std::string nearOrListed(const std::string& wrong, const std::vector<std::string>& names)
+{
+    const std::string near = didYouMean(wrong, names);
+    return near.empty() ? " sstr figure SCENE lists them." : near;
+}
+
+// By its bare name first, since a full name may be another joint's bare one.
+qcJoint* jointNamed(const qcFigure* figure, const std::string& name)
+{
+    qcJoint* found = figure->findJoint(name.c_str());
+    forEach<qcJoint>(figure->getJoints(), [&](qcJoint* joint) {
+        if (!found && joint->getFullName() == name)
+            found = joint;
+    });
+    return found;
+}
+
+}   // namespace
+
 qcSite* findSite(const qcFigure* figure, const std::string& key, const std::string& where)
 {
     if (qcSite* site = figure->findSiteByFullName((std::string(figure->getName()) + "." + key).c_str()))
@@ -99,18 +121,18 @@ qcSite* findSite(const qcFigure* figure, const std::string& key, const std::stri
     std::vector<std::string> keys;
     forEach<qcSite>(figure->getSites(), [&](const qcSite* site) { keys.push_back(keyOfSite(site)); });
     reportError(where + ": figure " + figure->getName() + " has no site " + quoted(key) + "; expected \"segment.site\"."
-                + didYouMean(key, keys));
+                + nearOrListed(key, keys));
     return nullptr;
 }
 
 qcJoint* findJoint(const qcFigure* figure, const std::string& name, const std::string& where)
 {
-    if (qcJoint* joint = figure->findJoint(name.c_str()))
+    if (qcJoint* joint = jointNamed(figure, name))
         return joint;
     std::vector<std::string> names;
-    forEach<qcJoint>(figure->getJoints(), [&](const qcJoint* joint) { names.emplace_back(joint->getName()); });
+    forEach<qcJoint>(figure->getJoints(), [&](const qcJoint* joint) { names.push_back(jointName(figure, joint)); });
     reportError(where + ": figure " + figure->getName() + " has no joint " + quoted(name) + "."
-                + didYouMean(name, names));
+                + nearOrListed(name, names));
     return nullptr;
 }
 

@@ -25,6 +25,7 @@ std::string jointName(const qcFigure* figure, const qcJoint* joint);
 std::string didYouMean(const std::string& wrong, const std::vector<std::string>& names);
 
 /// Each finds a part by its name. @return null after an error that begins with `where` and offers near names
+/// A joint is found by its name or by its full name; a name that both are is the former's.
 qcSite* findSite(const qcFigure* figure, const std::string& key, const std::string& where);
 qcJoint* findJoint(const qcFigure* figure, const std::string& name, const std::string& where);
 

@@ -130,6 +130,11 @@ void applyTorques(const std::vector<std::string>& texts, Opened& opened)
             reportError(where + ": the joint's torque is given twice.");
         else
             opened.analysis->setDefinedTorque(joint, *torque);
+        // the saved list knows joints by their bare names
+        if (opened.human->getFigure()->findJoint(joint->getName()) != joint)
+            reportWarning(where + ": torques are listed and saved by the bare name " + quoted(joint->getName())
+                          + ", which is another joint's too; this one counts now, but a saved scene gives it to the "
+                            "first joint of that name.");
     }
 }
 
@@ -137,6 +142,11 @@ void applyTorques(const std::vector<std::string>& texts, Opened& opened)
 
 bool openScene(const std::string& path, const std::string& humanName, Opened& opened)
 {
+    for (const char* ending : {".urdf", ".figure.json"})
+        if (endsWith(path, ending)) {
+            reportError(path + ": a figure, not a scene: make a scene of it with sstr new-scene.");
+            return false;
+        }
     opened.scene.reset(qcScene::open(path.c_str()));
     if (opened.scene)
         opened.human = findHuman(*opened.scene, humanName);

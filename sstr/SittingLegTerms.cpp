@@ -45,7 +45,8 @@ LegTerms sittingLegTerms(qmStaticStrength& analysis, LegJoint joint, qcSide side
             "force × (hip - knee), in kgf·cm.",
             "The force has the size |T| / |hip - ankle| and the direction of the leg's own forces together; "
             "the ankle carries the rest.",
-            "The moment is the part of T along the line from hip to ankle, times 0.01."};
+            "The moment is the part of T along the line from hip to ankle, times 0.01: its number is in kgf·m, not in "
+            "N·m."};
     else
         result.rules = {"The force is what of the leg's own terms the hip does not carry.", "There is no moment."};
 

@@ -4,6 +4,8 @@
 
 #include "Names.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr double kKgfCmPerMoment = 10.204081632653061;   // 1 / 0.098: the method's own, not that of the walks
@@ -219,7 +221,9 @@ void Standing::bothFeet(LegTerms& result, LegJoint joint, qcSide side) const
     if (joint == LegJoint::kAnkle) {
         result.rules = {"The force is the sum of the terms.",
                         "The moment is that of the terms about the ankle, with what the other foot carries acting at "
-                        "the other ankle, times the leg's share."};
+                        "the other ankle, times the leg's share.",
+                        "What the other foot carries comes from a moment and adds one, both with 0.098 N·m for "
+                        "1 kgf·cm; elsewhere that is 0.0980665."};
         result.terms = aboveAnkles(side);
         LegTerm taken{"carried by the other foot", jointName(&figure, human.getAnkleJoint(other))};
         taken.force = scaled(takenOff[side], -1.0f);
@@ -240,15 +244,20 @@ void Standing::bothFeet(LegTerms& result, LegJoint joint, qcSide side) const
     for (const LegTerm& term : terms)
         result.terms.push_back(at(part(term, scale), point));
 
-    result.rules = {"The force is the sum of the terms: each by the leg's share, and scaled so that the leg with its "
-                    "weights is as heavy as the force at its ankle."};
+    result.rules = {"The force is the sum of the terms, scaled so that the leg with its weights is as heavy as the "
+                    "force at its ankle.",
+                    "Before that, what comes from the trunk counts by the leg's share.",
+                    "The leg that carries less counts its weights by its share and leaves them, times twice the other "
+                    "leg's share, to the other leg, which counts its own in full."};
     if (!atKnee) {
-        result.rules.emplace_back("The moment is the waist's, times the leg's share; the forces add none.");
+        result.rules.emplace_back("The moment is the waist's, times the leg's share whatever counts of its force; the "
+                                  "forces add none.");
     } else {
         result.terms.push_back(at(part(ownWeight(leg[side].upper, side), scale), std::nullopt));
         result.rules.emplace_back(
             "The moment is the hip's with the hip's force moved to the knee; what of it is vertical "
-            "or lies horizontally across the line between the ankles is taken out.");
+            "or lies horizontally across the line between the ankles is taken out. "
+            "Of the waist's moment the leg's share counts, whatever counts of its force.");
     }
     // the moment is shared, not scaled
     result.terms.front().couple = scaled(*waist.couple, shares[side]);
@@ -285,6 +294,10 @@ LegTerms Standing::terms(LegJoint joint, qcSide side) const
         oneFoot(result, joint, side);
     else
         bothFeet(result, joint, side);
+    if (std::any_of(result.terms.begin(), result.terms.end(),
+                    [](const auto& term) { return term.what == "local load"; }))
+        result.rules.emplace_back("The local load at lower_torso.h_point counts unturned, its numbers taken as in "
+                                  "global axes.");
     const bool hPointEnters = !foot || (joint == LegJoint::kAnkle && side == *foot);
     result.notCounted = std::string("loads on the lower torso")
                         + (hPointEnters ? " other than at lower_torso.h_point" : "")

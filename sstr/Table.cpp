@@ -1,6 +1,8 @@
 // Table.
 #include "Table.h"
 
+#include "Messages.h"
+
 #include <algorithm>
 
 namespace {
@@ -13,6 +15,13 @@ std::size_t width(const std::string& text)
 }
 
 }   // namespace
+
+void Table::line(std::vector<std::string> cells)
+{
+    for (std::string& cell : cells)
+        cell = escaped(cell);
+    lines.push_back(std::move(cells));
+}
 
 std::string Table::text(int indentation) const
 {

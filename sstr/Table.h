@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-/// Cells are laid out in columns as wide as their widest cell. Texts are UTF-8.
+/// Cells are laid out in columns as wide as their widest cell. Texts are UTF-8; their control
+/// characters come out as \xNN.
 class Table {
 public:
     enum Align { kLeft, kRight };
@@ -13,7 +14,7 @@ public:
     explicit Table(std::vector<Align> columns) : alignment(std::move(columns)) {}
 
     /// Adds a line; cells that are missing at its end are empty.
-    void line(std::vector<std::string> cells) { lines.push_back(std::move(cells)); }
+    void line(std::vector<std::string> cells);
 
     /// The text, each line with the same indentation and two blanks between columns.
     std::string text(int indentation) const;

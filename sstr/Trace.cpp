@@ -5,6 +5,7 @@
 #include "Names.h"
 #include "Walks.h"
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -232,7 +233,8 @@ void Tracer::takeJoint(Frame& frame, qcJoint* other)
     }
     add(frame, frame.sitePos, taken.force);
     frame.moment.add(taken.moment);
-    if (share != 0.0f && result != results.end())
+    // a share that is no number makes the sums none, whether there is a result or not
+    if (share != 0.0f && (result != results.end() || !std::isfinite(share)))
         note({Contribution::kJointResult, "", jointName(&figure, other), share, {}, {}, {}, {}, {}}, taken.force,
              frame.sitePos, taken.moment);
 }

@@ -208,6 +208,61 @@ TEST_F(BadInput, RefusesAnUnknownStoredStrategyUntilOneIsGiven)
     EXPECT_EQ(compute(path, {"--strategy", "sitting"})["strategy_asked"], "sitting");
 }
 
+TEST_F(BadInput, TellsWhereASceneIsExpectedHowToMakeOneOfAFigure)
+{
+    for (const char* command : {"compute", "loads", "report"})
+        for (const std::string file : {"human.urdf", "human.figure.json"}) {
+            const ProgramRun run = runProgram({command, file});
+            EXPECT_EQ(run.status, 2);
+            EXPECT_EQ(run.out, "");
+            EXPECT_EQ(run.err,
+                      "sstr: error: " + file + ": a figure, not a scene: make a scene of it with sstr new-scene.\n");
+        }
+}
+
+TEST_F(BadInput, TellsWhereTheNamesStandWhenNoneIsNear)
+{
+    const ProgramRun run = runProgram({"compute", standingScene(), "--torque", "qqqqqq=1,0,0", "--load", "xx=1,0,0"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err, HasSubstr("has no joint \"qqqqqq\". sstr figure SCENE lists them.\n"));
+    EXPECT_THAT(run.err, HasSubstr("expected \"segment.site\". sstr figure SCENE lists them.\n"));
+}
+
+// ESC, a line break and DEL in a name would reach the terminal; in JSON they are the name's own.
+TEST_F(BadInput, EscapesControlCharactersInMessagesAndTables)
+{
+    nlohmann::json scene = nlohmann::json::parse(contentOf(standingScene("anna")));
+    const std::string name = "an\x1b[31m\n\x7f"
+                             "na";
+    scene["humans"][0]["name"] = name;
+    const std::string path = folder.write("red.json", scene.dump());
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"compute", path}, {"loads", path}, {"explain", path, "waist"}}) {
+        const ProgramRun run = runProgram(arguments);
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_THAT(run.out, HasSubstr("human"));
+        EXPECT_THAT(run.out, HasSubstr(" an\\x1b[31m\\x0a\\x7fna "));
+    }
+    EXPECT_EQ(compute(path)["human"], name);
+    const ProgramRun wrong = runProgram({"compute", path, "--human", "x"});
+    EXPECT_EQ(wrong.err, "sstr: error: --human: the scene has no human \"x\"; it has: an\\x1b[31m\\x0a\\x7fna.\n");
+}
+
+TEST_F(BadInput, EscapesControlCharactersInAFiguresTree)
+{
+    SmallFigure small = smallBody();
+    nlohmann::json& figure = small.document();
+    for (auto& joint : figure["joints"])
+        if (joint["name"] == "right_ball")
+            joint["full_name"] = "man.right\x1b";
+    figure["name"] = "m\x1b"
+                     "an";
+    const ProgramRun run = runProgram({"figure", folder.write("red.figure.json", small.text())});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out, StartsWith("figure m\\x1ban (posed)"));
+    EXPECT_THAT(run.out, ::testing::Not(HasSubstr("\x1b")));
+}
+
 TEST_F(BadInput, ReportsATargetFolderThatIsNotThereAndKeepsTheScene)
 {
     const std::string scene = standingScene();

@@ -1,5 +1,6 @@
 // explain: what it shows of a joint, as a table and as JSON, and how its options change the scene.
 #include "Program.h"
+#include "SmallFigure.h"
 
 #include <cmath>
 #include <sstream>
@@ -171,6 +172,7 @@ TEST_F(ExplainCommand, ListsTheTermsOfLegs)
     EXPECT_EQ(sitting["method"], "sitting-legs");
     EXPECT_FALSE(sitting.contains("support"));
     EXPECT_EQ(sitting["terms"].size(), 3u);   // two weights less what the hip carries
+    EXPECT_THAT(runProgram({"explain", example("sitting"), "left_hip"}).out, HasSubstr("in kgf·m, not in N·m."));
     EXPECT_THAT(runProgram({"explain", example("sitting"), "left_knee"}).out,
                 HasSubstr("Sitting leaves the knees without a result."));
 }
@@ -244,6 +246,67 @@ TEST_F(ExplainCommand, AnswersAnUnknownJointWithNearNames)
 {
     expectRefused({"explain", example("lift_box"), "right_nee"},
                   "JOINT: figure worker has no joint \"right_nee\". Did you mean right_knee");
+}
+
+TEST_F(ExplainCommand, TellsWhereTheJointsStandWhenNoNameIsNear)
+{
+    expectRefused({"explain", example("lift_box"), "qqqqqq"},
+                  "has no joint \"qqqqqq\". sstr figure SCENE lists them.\n");
+}
+
+// Two knees of one name: compute calls the second by its full name, and so may options and explain.
+TEST_F(ExplainCommand, FindsAJointByTheNameThatComputePrints)
+{
+    SmallFigure small = smallBody();
+    nlohmann::json& figure = small.document();
+    for (auto& joint : figure["joints"])
+        if (joint["name"] == "left_knee")
+            joint["name"] = "right_knee";
+    for (auto& site : figure["sites"])
+        for (auto& joint : site["joints"])
+            if (joint == "right_knee" || joint == "left_knee")
+                joint = "man." + joint.get<std::string>();
+    for (const char* side : {"right", "left"})
+        figure[side]["knee"] = std::string("man.") + side + "_knee";
+    const std::string path = folder.write("small.figure.json", small.text()), scene = folder.file("small.json");
+    ASSERT_EQ(runProgram({"new-scene", path, scene}).status, 0);
+
+    const std::vector<std::string> foot = {"--strategy", "right-foot"};
+    const nlohmann::json computed = compute(scene, foot);
+    const nlohmann::json e = explained(scene, "man.left_knee", foot);
+    EXPECT_EQ(e["joint"], "man.left_knee");
+    EXPECT_FLOAT_EQ(e["stored"]["force_kgf"].get<float>(), 5);   // lower leg 4, foot 0.8, toes 0.2
+    expectSameNumbers(e["stored"], jointOf(computed, "man.left_knee"));
+    EXPECT_EQ(explained(scene, "right_knee", foot)["joint"], "right_knee");
+    EXPECT_EQ(runProgram({"compute", scene, "--angle", "man.left_knee=5"}).status, 0);
+    expectRefused({"explain", scene, "man.left_nee"}, "Did you mean man.left_knee");
+
+    // a torque acts on that joint alone, but the scene keeps torques by bare names
+    const ProgramRun turned =
+        runProgram({"explain", scene, "man.left_knee", "--strategy", "right-foot", "--torque", "man.left_knee=1,2,3"});
+    EXPECT_EQ(turned.status, 0);
+    EXPECT_THAT(turned.err, StartsWith("sstr: warning: --torque man.left_knee: torques are listed and saved by the "
+                                       "bare name \"right_knee\""));
+    EXPECT_THAT(turned.out, HasSubstr("\n  torque          man.left_knee "));
+}
+
+TEST_F(ExplainCommand, TellsThatAWalkStops)
+{
+    EXPECT_THAT(runProgram({"explain", example("hands_and_knees"), "right_hip"}).out,
+                HasSubstr("walk: the sum of all that lies beyond the joint, up to where the walk stops\n"));
+    EXPECT_THAT(runProgram({"explain", example("lift_box"), "l4_l5"}).out,
+                HasSubstr("walk: the sum of all that lies beyond the joint\n"));
+}
+
+// Without gravity no direction is down, and the shares of knees and hands are no numbers.
+TEST_F(ExplainCommand, ShowsASumThatAShareMakesNoNumberAsSuch)
+{
+    const ProgramRun run =
+        runProgram({"explain", example("hands_and_knees"), "right_hip", "--gravity", "0,0,0", "--clear-loads"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, ::testing::ContainsRegex("\n  joint result +waist +not finite +not finite"));
+    EXPECT_THAT(run.out, ::testing::ContainsRegex("\n  sum +not finite +not finite"));
+    EXPECT_THAT(run.out, ::testing::ContainsRegex("\n  stored +not finite +not finite"));
 }
 
 TEST_F(ExplainCommand, ReportsAWrongJointBesideOtherProblems)

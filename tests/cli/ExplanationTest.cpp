@@ -445,6 +445,99 @@ TEST_F(ExplanationTest, TellsTheSharesOfLegsOnBothFeet)
     EXPECT_THAT(termsOf(rightIsLighter ? right : left),
                 ElementsAre("joint result waist", "segment weight lower_torso", "local load lower_torso.h_point"));
     EXPECT_THAT(tableOf(right), HasSubstr("both feet, right leg"));
+    EXPECT_THAT(tableOf(right), HasSubstr("lower_torso.h_point counts unturned"));
+
+    // Before the scaling, which is common to all terms of a leg: of the trunk its share s, of the other leg's weights
+    // 2 s, of its own all; the leg that carries less keeps s of its own.
+    const auto counts = [](const Explanation& e, std::size_t term) { return double(e.legs.terms[term].factor); };
+    const auto share = [&](const Explanation& e) {
+        return double(*e.legs.share[e.joint.find("right") == 0 ? qcRight : qcLeft]) / 100;
+    };
+    const Explanation lessKnee = explained(lighter + "_knee");
+    const Explanation moreKnee = explained(rightIsLighter ? "left_knee" : "right_knee");
+    EXPECT_NEAR(counts(heavier, 1) / counts(heavier, 0), 1, roundingBound(4, 1));
+    EXPECT_NEAR(counts(heavier, 3) / counts(heavier, 0), 2, roundingBound(4, 2));
+    EXPECT_NEAR(counts(moreKnee, 5) / counts(moreKnee, 0), 1 / share(moreKnee), roundingBound(6, 1 / share(moreKnee)));
+    EXPECT_NEAR(counts(lessKnee, 3) / counts(lessKnee, 0), 1, roundingBound(4, 1));
+    EXPECT_GT(std::fabs(counts(heavier, 0) - share(heavier)), 0.01);   // of the moment another part counts
+    for (const Explanation* each : {&right, &left, &lessKnee, &moreKnee}) {
+        EXPECT_THAT(tableOf(*each), HasSubstr("and leaves them, times twice the other leg's share, to the other leg"));
+        EXPECT_THAT(tableOf(*each), HasSubstr("whatever counts of its force"));
+    }
+}
+
+// The rule of the ankle on both feet, followed: levers × forces · 0.0980665 and the waist's own moment; of what the
+// other foot carries, lever × force · 0.098; all of it times the leg's share.
+TEST_F(ExplanationTest, TellsTheRuleThatGivesAnAnklesMomentOnBothFeet)
+{
+    loadDefaultHuman();
+    ASSERT_EQ(joint("right_hip")->setAngle(1, 0.4), 1);
+    ASSERT_EQ(joint("left_hip")->setAngle(1, -0.3), 1);
+    computeAs(qmStaticStrength::TwoFeet);
+    const Explanation ankles[2] = {explained("right_ankle"), explained("left_ankle")};   // by qcSide
+    for (const qcSide side : {qcRight, qcLeft}) {
+        const Explanation &own = ankles[side], &other = ankles[side == qcRight ? qcLeft : qcRight];
+        SCOPED_TRACE(own.joint);
+        ASSERT_EQ(own.legs.support, "both-feet");
+        EXPECT_THAT(tableOf(own), HasSubstr("both with 0.098 N·m for 1 kgf·cm; elsewhere that is 0.0980665"));
+        const qVector about = *other.legs.terms.back().point;   // where this foot carries
+        const double share = double(*own.legs.share[side]) / 100;
+        double moment[3] = {0, 0, 0}, size = 0;
+        for (const LegTerm& term : own.legs.terms) {
+            const double scale = (&term == &own.legs.terms.back() ? 0.098 : kMomentScale) * share;
+            const qVector couple = term.couple.value_or(qVector());
+            for (int i = 0; i < 3; ++i) {
+                const int j = (i + 1) % 3, k = (i + 2) % 3;
+                const double product = (double((*term.point)[j]) - double(about[j])) * double(term.force[k]),
+                             subtracted = (double((*term.point)[k]) - double(about[k])) * double(term.force[j]);
+                moment[i] += scale * (product - subtracted) + share * double(couple[i]);
+                size += scale * (std::fabs(product) + std::fabs(subtracted)) + share * std::fabs(double(couple[i]));
+            }
+        }
+        // with 0.0980665 it would be off by some hundredths
+        const double bound = roundingBound(20, size);
+        EXPECT_LT(bound, 0.005);
+        for (int i = 0; i < 3; ++i)
+            EXPECT_NEAR(own.stored->moment[i], moment[i], bound) << "component " << i;
+    }
+}
+
+// Turned by a quarter about the vertical, the h_point's x axis points along the world's -z: (1, -4, 2) kgf in its axes
+// would be (2, -4, -1) in the world's. On two feet it counts as it stands.
+TEST_F(ExplanationTest, TellsThatALocalLoadAtTheHPointCountsUnturned)
+{
+    loadDefaultHuman();
+    figure->setRoot(0, 100, 0, 0, 90, 0);
+    analysis->setLoad(site("lower_torso.h_point"), {1, -4, 2}, 1);
+    computeAs(qmStaticStrength::TwoFeet);
+    const Explanation right = explained("right_ankle"), left = explained("left_ankle");
+    const Explanation& carries = right.legs.terms.empty() ? left : right;
+    bool found = false;
+    for (const LegTerm& term : carries.legs.terms)
+        if (term.what == "local load") {
+            found = true;
+            EXPECT_THAT(components(term.force), ElementsAre(1, -4, 2));
+        }
+    EXPECT_TRUE(found);
+    EXPECT_THAT(tableOf(carries), HasSubstr("lower_torso.h_point counts unturned"));
+    analysis->setLoad(site("lower_torso.h_point"), {1, -4, 2}, 0);
+    computeAs(qmStaticStrength::TwoFeet);
+    EXPECT_THAT(tableOf(explained(carries.joint)), ::testing::Not(HasSubstr("unturned")));
+}
+
+// A straight leg, hip (-10, 90, 0), knee (-10, 50, 0), ankle below. 2 kgf forward, 5 cm to the left of the knee:
+//   about the hip (5, -40, 0) cm × (0, 0, 2) kgf = (-80, -10, 0) kgf·cm
+// Along the leg that is -10 kgf·cm upward, and -0.1 (kgf·m) is stored. The lower leg's moment, none, counts as the
+// placeholder 0.00001 N·m: 0.00001 / 0.0980665 kgf·cm more.
+TEST_F(SmallBody, TellsThatASittingHipsMomentIsInKgfM)
+{
+    analysis->setLoadWithOffset(site("right_upper_leg.distal"), {5, 0, 0}, {0, 0, 2});
+    computeAs(qmStaticStrength::Sitting);
+    const Explanation hip = explained("right_hip");
+    EXPECT_THAT(tableOf(hip), HasSubstr("times 0.01: its number is in kgf·m, not in N·m."));
+    EXPECT_NEAR(hip.stored->moment[1], 0.01 * (-10 + 1e-5 / kMomentScale), roundingBound(4, 0.1));
+    EXPECT_EQ(hip.stored->moment[0], 0.0f);
+    EXPECT_EQ(hip.stored->moment[2], 0.0f);
 }
 
 // A sitting leg: its own weights and loads, 8 + 4 kgf and 3 at the knee's end of the upper leg; what hip and ankle

@@ -1,5 +1,6 @@
 // report: the lines of the analysis's own report, as they are.
 #include "Program.h"
+#include "SmallFigure.h"
 
 using ::testing::HasSubstr;
 
@@ -27,6 +28,28 @@ TEST_F(ReportCommand, TellsGlobalAndLocalLoadsApart)
                        "head.eye_level\tWeight: 500.0 gr\n"
                        "Strategy: \"Two Feet\"\n"   // hands and knees is kept by the scene, not by the figure
                        "Gravity: (0.00, -980.66, 0.00) cm/sec^2\n");
+}
+
+TEST_F(ReportCommand, WarnsThatItCannotTellHandsAndKnees)
+{
+    EXPECT_EQ(runProgram({"report", example("hands_and_knees")}).err,
+              "sstr: warning: the scene's strategy is hands-and-knees, which the report cannot tell: it tells the "
+              "stored one.\n");
+    // without loads it tells no strategy at all
+    const std::string scene = standingScene();
+    compute(scene, {"--strategy", "hands-and-knees", "--save", scene});
+    EXPECT_EQ(runProgram({"report", scene}).err, "");
+}
+
+TEST_F(ReportCommand, EscapesControlCharactersButItsOwnTab)
+{
+    SmallFigure small = smallBody();
+    small.site("right_hand", "g\x1b[31m\tr\x7fip", {-20, 75, 4});
+    const std::string figure = folder.write("small.figure.json", small.text()), scene = folder.file("small.json");
+    ASSERT_EQ(runProgram({"new-scene", figure, scene}).status, 0);
+    compute(scene, {"--weight", "right_hand.g\x1b[31m\tr\x7fip=500", "--save", scene});
+    EXPECT_THAT(runProgram({"report", scene}).out,
+                ::testing::StartsWith("right_hand.g\\x1b[31m\\x09r\\x7fip\tWeight: 500.0 gr\n"));
 }
 
 // Without loads no strategy line follows.
