@@ -389,7 +389,7 @@ TEST_F(Laws, WalksAgreeWithTheSumOfAllThatLiesBeyond)
             analysis->setGravity({0, -980.665f, 0});
         const NaiveLoads loads = naive(told);
         for (const Strategy strategy : kWalks) {
-            SCOPED_TRACE(seed * 10 + strategy);
+            SCOPED_TRACE(seed * 10 + static_cast<unsigned>(strategy));
             compute(strategy);
             NaiveWalk walk(human, gravity(), loads);
             follow(walk, strategy);
@@ -422,7 +422,7 @@ TEST_F(Laws, EachResultFollowsFromTheStoredOnesBeyondIt)
         tell(told);
         const NaiveLoads loads = naive(told);
         for (const Strategy strategy : {qmStaticStrength::RightFoot, qmStaticStrength::SittingNoFeet}) {
-            SCOPED_TRACE(seed * 10 + strategy);
+            SCOPED_TRACE(seed * 10 + static_cast<unsigned>(strategy));
             compute(strategy);
             NaiveWalk walk(human, gravity(), loads);
             follow(walk, strategy);
