@@ -7,6 +7,8 @@
 #include <Python.h>   // before all others, as its manual demands
 #include <py3c.h>
 
+#include <cstddef>
+
 // A C++ program links the library without Python, and so without what the module part needs of it: those
 // names are weak. Inside an interpreter they are there. A test looks through the library's symbols.
 #pragma weak PyArg_ParseTuple
@@ -34,6 +36,7 @@
 #pragma weak PyLong_FromLong
 #pragma weak PyUnicode_AsUTF8
 #pragma weak PyUnicode_DecodeLatin1
+#pragma weak PyUnicode_DecodeUTF8
 #pragma weak PyUnicode_FromString
 #pragma weak PyBytes_AsString
 #pragma weak PyBytes_Size
@@ -93,5 +96,53 @@ inline bool pyFirstByte(PyObject* text, char& c)
         return false;
     c = bytes[0];
     return true;
+#endif
+}
+
+/// A text of bytes that are UTF-8. Where Python's texts are no bytes, other bytes come as the lone
+/// surrogates U+DC80 to U+DCFF, so that none is lost and pyTextBytes() gives all of them back.
+inline PyObject* pyText(const char* bytes, std::size_t size)
+{
+#if PY_MAJOR_VERSION >= 3
+    return PyUnicode_DecodeUTF8(bytes, static_cast<Py_ssize_t>(size), "surrogateescape");
+#else
+    return PyString_FromStringAndSize(bytes, static_cast<Py_ssize_t>(size));
+#endif
+}
+
+/// A text, one that PyStr_Check() accepts, as a new bytes object in UTF-8.
+/// @param errors  what becomes of characters without bytes: "surrogateescape" turns those of pyText()
+///                back and refuses others, "backslashreplace" describes all
+inline PyObject* pyTextBytes(PyObject* text, const char* errors)
+{
+#if PY_MAJOR_VERSION >= 3
+    return PyUnicode_AsEncodedString(text, "utf-8", errors);
+#else
+    (void)errors;
+    Py_INCREF(text);
+    return text;
+#endif
+}
+
+/// For "O&" of the argument parser: a file's name, text or bytes, as a new bytes object in the encoding
+/// of file names. @param bytes  a PyObject**
+inline int pyFileName(PyObject* object, void* bytes)
+{
+#if PY_MAJOR_VERSION >= 3
+    return PyUnicode_FSConverter(object, bytes);
+#else
+    PyObject* name =
+        PyUnicode_Check(object) ? PyUnicode_AsEncodedString(object, Py_FileSystemDefaultEncoding, nullptr) : object;
+    if (!name)
+        return 0;
+    char* text;
+    const bool good = PyString_AsStringAndSize(name, &text, nullptr) == 0;   // refuses a zero byte within
+    if (name == object && good)
+        Py_INCREF(name);
+    if (name != object && !good)
+        Py_DECREF(name);
+    if (good)
+        *static_cast<PyObject**>(bytes) = name;
+    return good;
 #endif
 }

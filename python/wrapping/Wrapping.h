@@ -16,6 +16,8 @@
 
 #include "PointerStrings.h"
 
+#include <cstring>
+
 /// The type name in pointer strings to a T; each module says it for its own types.
 template <class T> const char* pointerType();
 
@@ -79,14 +81,14 @@ inline PyObject* toPython(double number)
 {
     return PyFloat_FromDouble(number);
 }
-/// A text; None for a null one.
+/// A text, whatever its bytes; None for a null one.
 inline PyObject* toPython(const char* text)
 {
-    return text ? PyStr_FromString(text) : none();
+    return text ? pyText(text, std::strlen(text)) : none();
 }
 inline PyObject* toPython(const std::string& text)
 {
-    return PyStr_FromString(text.c_str());
+    return pyText(text.data(), text.size());
 }
 /// The pointer string of an object.
 template <class T> PyObject* pointerToPython(const T* object)
