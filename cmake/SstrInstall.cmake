@@ -7,7 +7,6 @@ set(sstr_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/sstr)
 # its users the same bits.
 set_target_properties(sstr_numbers PROPERTIES EXPORT_NAME numbers)
 install(TARGETS qc StaticStrength qmSSTRc sstr_numbers EXPORT sstrTargets)
-install(TARGETS qcc LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})   # for interpreters alone: nothing links it
 install(EXPORT sstrTargets NAMESPACE sstr:: DESTINATION ${sstr_package_dir})
 install(DIRECTORY host/include/qc DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 install(FILES StaticStrength/qmStaticStrength.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

@@ -80,7 +80,7 @@ bool readVectors(const qcValue& value, int count, float* into)
         qVector* out = &vector;
         if (!element || !element->get(out))
             return false;
-        std::copy(&vector[0], &vector[0] + 3, into + 3 * i);
+        std::copy(&vector[0], &vector[0] + 3, into + Py_ssize_t{3} * i);
     }
     return !element;
 }
@@ -152,7 +152,7 @@ PyObject* figureGetJointVectors(PyObject*, PyObject* args)
     if (!array.open(name, 4, given, "f", true))
         return nullptr;
 
-    const Py_ssize_t stride = 3 * count;
+    const Py_ssize_t stride = Py_ssize_t{3} * count;
     Py_ssize_t joints = 0;
     forEachJoint(*figure, [&](const qcJoint&) { ++joints; });
     float* into = array.from<float>(name, 4, first, stride * joints);

@@ -1,4 +1,5 @@
-// Body: a human's name, sex, stature and mass.
+// Body: a human's name, sex, stature and mass. Whoever asks for a measure makes the human's scale, which by
+// itself changes nothing.
 #include "Functions.h"
 #include "Results.h"
 
@@ -29,7 +30,7 @@ PyObject* humanGetName(PyObject*, PyObject* args)
 PyObject* humanGetSex(PyObject*, PyObject* args)
 {
     return ofObject<qcHuman>(args, "s:qcHuman_getSex", [](qcHuman& h) {
-        const qcAnthroScale* scale = h.getAnthroscale();
+        const qcAnthroScale* scale = h.initAnthroscale(nullptr);
         const bool known = scale && (scale->hasSex() || scale->getStature() > 0);
         return known ? toPython(scale->getSex() == qcFemale ? "female" : "male") : none();
     });
@@ -53,7 +54,7 @@ PyObject* humanSetSex(PyObject*, PyObject* args)
 PyObject* humanGetStature(PyObject*, PyObject* args)
 {
     return ofObject<qcHuman>(args, "s:qcHuman_getStature", [](qcHuman& h) {
-        const qcAnthroScale* scale = h.getAnthroscale();
+        const qcAnthroScale* scale = h.initAnthroscale(nullptr);
         return scale && scale->getStature() > 0 ? toPython(scale->getStature()) : none();
     });
 }

@@ -18,7 +18,11 @@ FUNCTIONS = (
     ("qVector_set", (VECTOR, 1.0, 2.0, 3.0)),
     ("qcScene_open", ("scene.json",)), ("qcScene_new", ()), ("qcScene_addHuman", (SCENE, "human.urdf", "man")),
     ("qcScene_addPosedHuman", (SCENE, "{}")), ("qcScene_getHumans", (SCENE,)),
-    ("qcScene_save", (SCENE, "scene.json")), ("qcScene_close", (SCENE,)),
+    ("qcScene_save", (SCENE, "scene.json")), ("qcScene_getGravity", (SCENE,)),
+    ("qcScene_setGravity", (SCENE, 0.0, -980.665, 0.0)), ("qcScene_getUnstoredStrategy", (SCENE, HUMAN)),
+    ("qcScene_setUnstoredStrategy", (SCENE, HUMAN, "hands-and-knees")), ("qcScene_close", (SCENE,)),
+    ("qcHuman_getName", (HUMAN,)), ("qcHuman_getSex", (HUMAN,)), ("qcHuman_setSex", (HUMAN, "male")),
+    ("qcHuman_getStature", (HUMAN,)), ("qcHuman_setStature", (HUMAN, 170.0)), ("qcHuman_setMass", (HUMAN, 70000.0)),
     ("qcHuman_getFigure", (HUMAN,)), ("qcHuman_getFootSite", (HUMAN, 0)), ("qcHuman_getHandSite", (HUMAN, 0)),
     ("qcHuman_getKneeJoint", (HUMAN, 0)), ("qcHuman_getAnkleJoint", (HUMAN, 0)), ("qcHuman_getHipJoint", (HUMAN, 0)),
     ("qcHuman_getPelvisSite", (HUMAN,)), ("qcHuman_getWaistJoint", (HUMAN,)),
@@ -27,6 +31,10 @@ FUNCTIONS = (
     ("qcFigure_findJoint", (FIGURE, "waist")), ("qcFigure_findSite", (FIGURE, "l5.distal")),
     ("qcFigure_getReferenceSite", (FIGURE,)), ("qcFigure_getPosed", (FIGURE,)),
     ("qcFigure_setRoot", (FIGURE, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0)),
+    ("qcFigure_isPosed", (FIGURE,)), ("qcFigure_getRoot", (FIGURE,)), ("qcFigure_standOnFloor", (FIGURE,)),
+    ("qcFigure_isOnFloor", (FIGURE,)), ("qcFigure_getBodyMass", (FIGURE,)),
+    ("qcFigure_getBodyCenterOfMass", (FIGURE,)), ("qcFigure_setAngles", (FIGURE, b"", 0, 1.0)),
+    ("qcFigure_getJointVectors", (FIGURE, "key", 2, b"", 0)), ("qcFigure_removeJointProperty", (FIGURE, "key")),
     ("qcSegment_getName", (SEGMENT,)), ("qcSegment_getFullName", (SEGMENT,)), ("qcSegment_getMass", (SEGMENT,)),
     ("qcSegment_setMass", (SEGMENT, 1.0)), ("qcSegment_getCenterOfMass", (SEGMENT,)),
     ("qcSegment_getTransform", (SEGMENT,)), ("qcSegment_getSites", (SEGMENT,)),
@@ -36,6 +44,7 @@ FUNCTIONS = (
     ("qcJoint_getName", (JOINT,)), ("qcJoint_getFullName", (JOINT,)), ("qcJoint_getSites", (JOINT,)),
     ("qcJoint_getInboardSite", (JOINT,)), ("qcJoint_getNumAngles", (JOINT,)), ("qcJoint_getAngle", (JOINT, 1)),
     ("qcJoint_setAngle", (JOINT, 1, 0.5)),
+    ("qcJoint_getAngleLimits", (JOINT, 1)), ("qcJoint_getAngleName", (JOINT, 1)),
     ("qcObject_getProperty", (OBJECT, "key")), ("qcObject_setProperty", (OBJECT, "key", 1.0)),
     ("qcObject_removeProperty", (OBJECT, "key")), ("qcObject_getTimestamp", (OBJECT,)),
     ("qcSim_step", (1,)), ("qcSim_getBound", ()), ("qcMessages_take", ()),
@@ -44,6 +53,13 @@ FUNCTIONS = (
 
 def is_pointer(argument):
     return isinstance(argument, str) and argument.startswith("_")
+
+
+def with_argument(arguments, position, wrong):
+    """The arguments with another one at a position, and pointers of the right types before and behind it."""
+    given = [is_pointer(argument) and "_1000" + argument or argument for argument in arguments]
+    given[position] = wrong
+    return tuple(given)
 
 
 class Table(TestCase):
@@ -76,7 +92,7 @@ class Table(TestCase):
                 if not is_pointer(expected):
                     continue
                 for wrong in ("_1000_char_p", "_1000", "no pointer", ""):
-                    given = arguments[:position] + (wrong,) + arguments[position + 1:]
+                    given = with_argument(arguments, position, wrong)
                     self.check_raises(TypeError, "Type error in argument %d of %s. Expected %s."
                                       % (position + 1, name, expected), getattr(qc, name), *given)
 
@@ -87,7 +103,7 @@ class Table(TestCase):
             for position, expected in enumerate(arguments):
                 if not is_pointer(expected):
                     continue
-                given = arguments[:position] + ("NULL",) + arguments[position + 1:]
+                given = with_argument(arguments, position, "NULL")
                 self.check_raises(ValueError, "Received a NULL Pointer in argument %d of %s. Expected %s."
                                   % (position + 1, name, expected), getattr(qc, name), *given)
 
@@ -227,7 +243,7 @@ class Scenes(HostTest):
         for name, arguments in FUNCTIONS:
             if SCENE in arguments:
                 self.check_raises(ValueError, name + ": this scene is not open; it may have been closed already.",
-                                  getattr(qc, name), *((scene,) + arguments[1:]))
+                                  getattr(qc, name), *with_argument(arguments, 0, scene))
 
     def test_other_scenes_stay_usable_when_one_is_closed(self):
         kept = self.posed_figure()
