@@ -155,6 +155,8 @@ void qmStaticStrength::releaseOwned(const qmStaticStrength* keeper)
 
 qmStaticStrength* qmStaticStrength::getHandle(qcHuman* human)
 {
+    if (!human)
+        return nullptr;
     qList* node = registry ? registry->findNode(human, belongsToOtherHuman) : nullptr;
     return node ? static_cast<qmStaticStrength*>(node->getData()) : new qmStaticStrength(human);
 }

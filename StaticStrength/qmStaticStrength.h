@@ -71,7 +71,7 @@ public:
     /// Leaves the registry, unbinds the callback and frees what the object owns. The properties stay.
     ~qmStaticStrength() override;
 
-    /// The human's analysis, made on first request. @param human  not null
+    /// The human's analysis, made on first request; null for a null human.
     static qmStaticStrength* getHandle(qcHuman* human);
 
     /// The human analysed.

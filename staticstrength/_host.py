@@ -1,0 +1,62 @@
+"""Calls of the flat modules whose messages become exceptions and warnings."""
+import sys
+import warnings
+from types import FrameType
+from typing import Any, Callable, List, Optional, Tuple, TypeVar
+
+from ._flat import qc
+from .errors import StaticStrengthError, StaticStrengthWarning
+
+T = TypeVar("T")
+
+Messages = List[Tuple[str, str]]
+
+
+def call(function: Callable[..., T], *arguments: Any) -> T:
+    """Calls a function of a flat module; what it reports is raised or warned of here.
+
+    Messages that were waiting from before belong to somebody else's call, so they are only warned of.
+    """
+    tell_earlier()
+    result = function(*arguments)
+    tell(qc.qcMessages_take())
+    return result
+
+
+def tell_earlier() -> None:
+    """Warns of all messages that are waiting, errors too."""
+    for kind, text in qc.qcMessages_take():
+        warn(f"the host reported an {kind} before this call: {text.rstrip()}" if kind == "error" else text.rstrip())
+
+
+def tell(messages: Messages, where: str = "") -> None:
+    """Warns of the warnings, then raises the errors, if any, as one exception.
+
+    :param where: what an error's text begins with
+    """
+    errors = [text.rstrip() for kind, text in messages if kind == "error"]
+    for kind, text in messages:
+        if kind != "error":
+            warn(text.rstrip())
+    if errors:
+        raise StaticStrengthError(where + "\n".join(errors))
+
+
+def warn(text: str) -> None:
+    """Warns at the line outside the package that led here."""
+    warnings.warn(text, StaticStrengthWarning, stacklevel=_steps_out())
+
+
+def _steps_out() -> int:
+    package = __name__.rpartition(".")[0]
+    steps = 1   # stacklevel 1 is warn() itself
+    frame: Optional[FrameType] = sys._getframe(1)
+    while frame is not None and _is_inside(frame, package):
+        frame = frame.f_back
+        steps += 1
+    return steps
+
+
+def _is_inside(frame: FrameType, package: str) -> bool:
+    name = str(frame.f_globals.get("__name__", ""))
+    return name == package or name.startswith(package + ".") or name == "contextlib"
