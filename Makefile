@@ -65,6 +65,8 @@ bench:
 	$(call build,bench)
 	@set -e; for program in $$(find build/bench/bench -maxdepth 1 -type f -executable | sort); do \
 	    printf '== %s\n' "$$program"; "$$program" $(BENCH_ARGS); done
+	@set -e; for script in bench/*.py; do \
+	    printf '== %s\n' "$$script"; PYTHONPATH=build/bench/python /usr/bin/python3 "$$script"; done
 
 # Memory that stays reachable until the end is not a leak: the host keeps free lists.
 VALGRIND := valgrind --quiet --error-exitcode=9 --leak-check=full --errors-for-leak-kinds=definite,indirect,possible

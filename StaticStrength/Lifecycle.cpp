@@ -53,12 +53,6 @@ const qmStaticStrength* binderOf(const qcCallback* callback)
     return nullptr;
 }
 
-int belongsToOtherHuman(int* data, void* human)
-{
-    void* object = data;
-    return static_cast<qmStaticStrength*>(object)->getHuman() == human ? 0 : 1;
-}
-
 // The result is taken before the script: a script may delete its own analysis.
 int computeAndRunScript(void* data)
 {
@@ -157,7 +151,13 @@ qmStaticStrength* qmStaticStrength::getHandle(qcHuman* human)
 {
     if (!human)
         return nullptr;
-    qList* node = registry ? registry->findNode(human, belongsToOtherHuman) : nullptr;
+    // Another human may lie where one was whose analysis outlived it: that analysis is nobody's.
+    const auto differs = [](int* data, void* wanted) {
+        void* object = data;
+        const qmStaticStrength* analysis = static_cast<qmStaticStrength*>(object);
+        return analysis->human == wanted && analysis->observer->getSubject() ? 0 : 1;
+    };
+    qList* node = registry ? registry->findNode(human, differs) : nullptr;
     return node ? static_cast<qmStaticStrength*>(node->getData()) : new qmStaticStrength(human);
 }
 

@@ -54,9 +54,9 @@ void loadEverySite(qmStaticStrength& analysis, qcFigure& figure)
 TEST(AllocationCounter, SeesAnAllocation)
 {
     const std::size_t before = allocations;
-    const auto number = std::make_unique<int>(1);
-    EXPECT_EQ(*number, 1);
+    void* const memory = ::operator new(1);   // called by name: clang leaves out a `new` that nobody needs
     EXPECT_GT(allocations, before);
+    ::operator delete(memory);
 }
 
 TEST_P(Allocation, NoneInARepeatedComputationOfALoadedHuman)

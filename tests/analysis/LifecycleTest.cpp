@@ -3,6 +3,7 @@
 
 #include "StrategyNames.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -692,6 +693,29 @@ TEST_F(Callbacks, SeveralAnalysesRunInTheOrderOfActivation)
     anna->deactivate();
     EXPECT_EQ(qcSim::step(1), 1);
     EXPECT_THAT(scripts, ElementsAre("bert", "anna", "bert"));
+}
+
+// A human may be destroyed before its analysis, and another one be put where it lay: ten humans of one shape, one
+// after the other, mostly lie at one address. Each gets an analysis of its own.
+TEST_F(Lifecycle, AnAnalysisWhoseFigureIsGoneIsNobodys)
+{
+    std::vector<qmStaticStrength*> handles;
+    for (int i = 0; i < 10; ++i) {
+        qcScene own;
+        qcHuman* its = own.addPosedHuman(smallBody().text().c_str());
+        ASSERT_NE(its, nullptr);
+        qmStaticStrength* handle = qmStaticStrength::getHandle(its);
+        EXPECT_EQ(std::count(handles.begin(), handles.end(), handle), 0);
+        EXPECT_EQ(qmStaticStrength::getHandle(its), handle);
+        handles.push_back(handle);
+    }
+    for (const qmStaticStrength* handle : handles)
+        delete handle;
+}
+
+TEST_F(Lifecycle, ANullHumanHasNoAnalysis)
+{
+    EXPECT_EQ(qmStaticStrength::getHandle(nullptr), nullptr);
 }
 
 }   // namespace
