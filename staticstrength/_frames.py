@@ -2,7 +2,10 @@
 from __future__ import annotations
 
 import importlib
+import operator
+import reprlib
 from array import array
+from collections.abc import Mapping, Set
 from typing import TYPE_CHECKING, Any, Callable, Iterable, Iterator, List, Optional, Sequence, Tuple, Union
 
 from ._flat import qc, ss
@@ -10,13 +13,17 @@ from ._host import tell, tell_earlier, warn
 from .errors import StaticStrengthError
 from .figure import Figure, Posture
 from .frames import COMPONENTS, FrameResults
+from .parts import Joint
 from .result import RESULT_KEY, Result
-from .vectors import radians_of
+from .vectors import is_complex, radians_of
 
 if TYPE_CHECKING:
     from .analysis import Analysis
 
 Frames = Union[int, Iterable[Posture], Callable[[int], Optional[Posture]]]
+
+#: A joint stands for all its angles.
+Column = Union[str, Joint, Tuple[Union[str, Joint], int]]
 
 
 def simulate(analysis: Analysis, frames: Frames, progress: bool) -> Iterator[Result]:
@@ -24,6 +31,10 @@ def simulate(analysis: Analysis, frames: Frames, progress: bool) -> Iterator[Res
     if isinstance(frames, bool) or not (isinstance(frames, int) or callable(frames) or hasattr(frames, "__iter__")):
         raise TypeError("expected postures, a function of the frame's number, or a number of frames, found "
                         f"{frames!r}.")
+    if isinstance(frames, (str, bytes)):
+        raise TypeError(f"expected postures, found the text {reprlib.repr(frames)}.")
+    if isinstance(frames, Mapping):
+        raise TypeError("expected postures, one a frame, found a single one; for one frame put it into a list.")
     if isinstance(frames, int) and frames < 0:
         raise ValueError(f"expected a number of frames, found {frames}.")
     analysis.pointer   # alive
@@ -31,8 +42,11 @@ def simulate(analysis: Analysis, frames: Frames, progress: bool) -> Iterator[Res
 
 
 def _run(analysis: Analysis, frames: Frames, progress: bool) -> Iterator[Result]:
-    for posture in _watched(_postures(frames), progress, _count(frames)):
+    for i, posture in enumerate(_watched(_postures(frames), progress, _count(frames))):
         if posture is not None:
+            if not hasattr(posture, "items"):
+                raise TypeError(f"frame {i}: simulate takes postures, angles in degrees by joint, found "
+                                f"{reprlib.repr(posture)}; did you mean simulate_array, which takes rows of angles?")
             analysis.human.posture = posture
         yield analysis.compute()
 
@@ -72,19 +86,18 @@ def _watched(frames: Iterable[Any], progress: bool, count: Optional[int]) -> Ite
     return bar
 
 
-def simulate_array(analysis: Analysis, frames: Any, angles: Optional[Sequence[Union[str, Tuple[str, int]]]],
-                   joints: Optional[Sequence[str]], progress: bool) -> FrameResults:
+def simulate_array(analysis: Analysis, frames: Any, angles: Optional[Sequence[Column]],
+                   joints: Optional[Sequence[Union[str, Joint]]], progress: bool) -> FrameResults:
     """See :meth:`Analysis.simulate_array`."""
     figure = analysis.human.figure
     columns = _columns(figure, angles)
-    kept = list(figure.joints) if joints is None else [figure.joints[each].key for each in joints]
-    table = _table(frames, len(columns))
+    kept = list(figure.joints) if joints is None else _kept(figure, joints)
+    table, count = _table(frames, len(columns))
     postures = _Postures(figure, columns, table)
     analysis.strategy   # is one
     analysis._warn_of_palms()
     tell_earlier()
-    count = len(table) // len(columns) if columns else 0
-    return FrameResults(kept, _compute(analysis, postures, count, kept, progress))
+    return FrameResults(kept, _compute(analysis, postures, count, kept, progress), count)
 
 
 def _compute(analysis: Analysis, postures: _Postures, count: int, kept: Sequence[str], progress: bool) -> array[float]:
@@ -97,10 +110,13 @@ def _compute(analysis: Analysis, postures: _Postures, count: int, kept: Sequence
     results = array("f", bytes(4 * stride * (count if whole else 1)))
     chosen = array("f")
 
+    frames = _watched(range(count), progress, count)
     figure_pointer, analysis_pointer = figure.pointer, analysis.pointer
     put, remove, read = qc.qcFigure_setAngles, qc.qcFigure_removeJointProperty, qc.qcFigure_getJointVectors
     compute, take = ss.qmStaticStrength_compute, qc.qcMessages_take
-    for i in _watched(range(count), progress, count):
+    for i in frames:
+        if progress:
+            analysis.pointer   # alive, whatever wrote the bar
         numbers, first, unit = postures.of(i)
         done = put(figure_pointer, numbers, first, unit)
         if done:
@@ -157,19 +173,35 @@ def _runs(places: Sequence[int]) -> List[Tuple[int, int, int]]:
     return runs
 
 
-def _columns(figure: Figure, angles: Optional[Sequence[Union[str, Tuple[str, int]]]]) -> List[Tuple[str, int]]:
+def _kept(figure: Figure, joints: Sequence[Union[str, Joint]]) -> List[str]:
+    if isinstance(joints, (str, bytes)):
+        raise TypeError(f"expected a list of joints, found the text {joints!r}.")
+    if not hasattr(joints, "__iter__"):
+        raise TypeError(f"expected a list of joints, found {joints!r}.")
+    return [_joint(figure, each).key for each in joints]
+
+
+def _joint(figure: Figure, joint: Any) -> Joint:
+    if not isinstance(joint, (str, Joint)):
+        raise TypeError(f"expected a joint or its name, found {joint!r}.")
+    return figure._find_joint(joint)
+
+
+def _columns(figure: Figure, angles: Optional[Sequence[Column]]) -> List[Tuple[str, int]]:
     everything = figure.angles
     if angles is None:
         return everything
     if isinstance(angles, str):
         raise TypeError(f"expected a list of joints or of (joint, index), found the text {angles!r}.")
+    if not hasattr(angles, "__iter__"):
+        raise TypeError(f"expected a list of joints or of (joint, index), found {angles!r}.")
     columns: List[Tuple[str, int]] = []
     for each in angles:
-        name, index = (each, None) if isinstance(each, str) else each
-        joint = figure.joints[name]
+        given, index = _joint_and_index(each)
+        joint = _joint(figure, given)
         found = [column for column in everything if column[0] == joint.key and index in (None, column[1])]
         if not found:
-            raise ValueError(f"joint {name} has no angle{'s' if index is None else f' {index}'}.")
+            raise ValueError(f"joint {joint.key} has no angle{'s' if index is None else f' {index}'}.")
         columns += found
     for column in columns:
         if columns.count(column) > 1:
@@ -177,8 +209,20 @@ def _columns(figure: Figure, angles: Optional[Sequence[Union[str, Tuple[str, int
     return columns
 
 
-def _table(frames: Any, width: int) -> array[float]:
-    """All angles, degrees, row by row."""
+def _joint_and_index(column: Any) -> Tuple[Any, Optional[int]]:
+    if isinstance(column, (str, Joint)):
+        return column, None
+    try:
+        joint, index = column
+        if not isinstance(index, bool):
+            return joint, operator.index(index)
+    except (TypeError, ValueError):
+        pass
+    raise TypeError(f"expected a joint or (joint, index from 1), found {column!r}.")
+
+
+def _table(frames: Any, width: int) -> Tuple[array[float], int]:
+    """All angles, degrees, row by row, and the number of rows."""
     try:
         view = memoryview(frames)
     except TypeError:
@@ -189,16 +233,42 @@ def _table(frames: Any, width: int) -> array[float]:
             if view.format == "d":
                 table = array("d")
                 table.frombytes(view.tobytes())
-                return table
+                return table, len(view)
+    rows = _iterator(frames)
+    if rows is None:
+        raise TypeError(f"expected rows of {width} angles in degrees, found {reprlib.repr(frames)}.")
     table = array("d")
-    for i, row in enumerate(frames):
-        before = len(table)
-        try:
-            table.extend(row)
-        except TypeError:
-            raise TypeError(f"frame {i}: expected a row of {width} angles in degrees, found {row!r}.") from None
-        _check_width(len(table) - before, width, f"frame {i}")
-    return table
+    count = 0
+    for row in rows:
+        numbers = _row(row, f"frame {count}: expected a row of {width} angles in degrees, found")
+        _check_width(len(numbers), width, f"frame {count}")
+        table.extend(numbers)
+        count += 1
+    return table, count
+
+
+def _row(row: Any, expected: str) -> array[float]:
+    angles = _iterator(row)
+    try:
+        numbers = [] if angles is None else list(angles)
+        if angles is not None and not any(map(is_complex, set(map(type, numbers)))):
+            return array("d", numbers)
+    except TypeError:
+        pass
+    except OverflowError:   # a whole number beyond all floats
+        raise ValueError(f"{expected} a number too large: {reprlib.repr(row)}.") from None
+    raise TypeError(f"{expected} {reprlib.repr(row)}.")
+
+
+# Of what stands in a row; None for what does not.
+def _iterator(given: Any) -> Optional[Iterator[Any]]:
+    if isinstance(given, (str, bytes, Mapping, Set)):
+        return None
+    try:
+        iterator: Iterator[Any] = iter(given)
+    except TypeError:
+        return None
+    return iterator
 
 
 def _check_width(found: int, width: int, where: str) -> None:

@@ -6,21 +6,57 @@ from typing import Any, Callable, List, Optional, Tuple, TypeVar
 
 from ._flat import qc
 from .errors import StaticStrengthError, StaticStrengthWarning
+from .vectors import Vector
 
 T = TypeVar("T")
 
 Messages = List[Tuple[str, str]]
 
 
+class Pointed:
+    """What stands for an object of the host."""
+
+    __slots__ = ()
+
+    @property
+    def pointer(self) -> str:
+        """Its pointer string; a ClosedError where it is gone."""
+        raise NotImplementedError
+
+
 def call(function: Callable[..., T], *arguments: Any) -> T:
     """Calls a function of a flat module; what it reports is raised or warned of here.
 
     Messages that were waiting from before belong to somebody else's call, so they are only warned of.
+
+    A warning runs what the user hooked to it, which may close the scene or compute. So the objects of the host are
+    given as :class:`Pointed` and its vectors as :class:`Vector`: they are looked up and filled when all warnings are
+    out. Numbers are given as floats or ints of Python, whose conversion runs no code of the user.
     """
     tell_earlier()
-    result = function(*arguments)
+    result = function(*_told(arguments))
     tell(qc.qcMessages_take())
     return result
+
+
+# Types are asked, not the objects, whose classes may have code of their own.
+def _told(arguments: Tuple[Any, ...]) -> List[Any]:
+    told: List[Any] = []
+    vectors = 0
+    for each in arguments:
+        if issubclass(type(each), Pointed):
+            told.append(each.pointer)
+        elif type(each) is Vector:
+            qc.qVector_set(_VECTORS[vectors], *each)
+            told.append(_VECTORS[vectors])
+            vectors += 1
+        else:
+            told.append(each)
+    return told
+
+
+# The host's vectors through which all calls go, one after the other; they live as long as the process.
+_VECTORS = (qc.new_qVector(0, 0, 0), qc.new_qVector(0, 0, 0))
 
 
 def tell_earlier() -> None:

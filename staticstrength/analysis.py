@@ -8,11 +8,12 @@ from typing import (TYPE_CHECKING, Any, Callable, Dict, Iterable, Iterator, List
 from . import _frames, _saved, _support
 from ._attribute import Attribute
 from ._flat import qc, ss
-from ._host import call, tell_earlier, warn
+from ._host import Pointed, call, tell_earlier, warn
 from .errors import ClosedError, StaticStrengthError
 from .figure import Posture
 from .frames import FrameResults
 from .inputs import Loads, OffsetLoads, Torques
+from .parts import Joint
 from .result import RESULT_KEY, JointForce, JointResult, Result
 from .strategy import Strategy
 from .vectors import Vector, VectorLike, as_vector
@@ -26,7 +27,7 @@ _FORCE = qc.new_qVector(0, 0, 0)
 _MOMENT = qc.new_qVector(0, 0, 0)
 
 
-class Analysis:
+class Analysis(Pointed):
     """The static-strength analysis of one human: ``human.analysis``.
 
     Forces are in kgf, moments in N·m, lengths in cm, weights in g, gravity in cm/s². What it is told is kept on the
@@ -51,7 +52,7 @@ class Analysis:
         self._offset_loads = OffsetLoads(self)
         self._torques = Torques(self)
         if self.gravity != human.scene.gravity:
-            self.gravity = human.scene.gravity
+            self._put_gravity(human.scene.gravity)
         self._choose_unstored()
         _saved.warn_of_dropped(self, saved)
 
@@ -75,14 +76,14 @@ class Analysis:
         Do not delete it through the flat modules: the package could not know.
         """
         self._human.scene._check()
-        if self._pointer is None:
+        if self._pointer is None or self._pointer not in self._scene_analyses:
             raise ClosedError(f"this analysis of {self._human.name} was deleted; human.analysis makes a new one.")
         return self._pointer
 
     @property
     def is_deleted(self) -> bool:
         """Whether it was deleted, alone or with its scene."""
-        return self._pointer is None or self._human.scene.is_closed
+        return self._pointer is None or self._pointer not in self._scene_analyses
 
     def delete(self) -> None:
         """Ends the analysis. What it was told and what it computed stays with the figure, and ``human.analysis``
@@ -121,8 +122,7 @@ class Analysis:
     def _set_strategy(self, strategy: Union[Strategy, str]) -> None:
         chosen = Strategy.of(strategy)
         ss.qmStaticStrength_setStrategy(self.pointer, int(chosen))
-        call(qc.qcScene_setUnstoredStrategy, self._human.scene.pointer, self._human.pointer,
-             chosen.text if chosen == _UNSTORED else "")
+        call(qc.qcScene_setUnstoredStrategy, self._human.scene, self._human, chosen.text if chosen == _UNSTORED else "")
 
     strategy = Attribute(_get_strategy, _set_strategy,
                          "How the body is supported: a :class:`Strategy`, or its text to set it, ``\"two-feet\"``."
@@ -133,19 +133,23 @@ class Analysis:
         return Vector(*qc.qVector_get(_FORCE))
 
     def _set_gravity(self, gravity: VectorLike) -> None:
-        numbers = as_vector(gravity, "gravity, cm/s²")
-        pointer = self.pointer
-        strategy = ss.qmStaticStrength_getStrategy(pointer)
+        self._put_gravity(as_vector(gravity, "gravity, cm/s²"))
+
+    def _put_gravity(self, gravity: Vector) -> None:
+        tell_earlier()   # before anything is taken away for a while
+        strategy = ss.qmStaticStrength_getStrategy(self.pointer)
         # A weight without a force would be dropped.
         loads = {} if self.gravity.magnitude > 0 else dict(self._loads)
         if loads:
             self._loads.clear()
-        qc.qVector_set(_FORCE, *numbers)
-        call(ss.qmStaticStrength_setGravity, pointer, _FORCE)
-        for site, load in loads.items():
-            self._loads._put(self._human.sites[site], load)
-        if ss.qmStaticStrength_getStrategy(pointer) != strategy:   # not one that the figure's properties hold
-            ss.qmStaticStrength_setStrategy(pointer, strategy)
+        try:
+            call(ss.qmStaticStrength_setGravity, self, gravity)
+        finally:
+            if not self.is_deleted:   # by a warning's hook
+                for site, load in loads.items():
+                    self._loads._put(self._human.sites[site], load)
+        if ss.qmStaticStrength_getStrategy(self.pointer) != strategy:   # not one that the figure's properties hold
+            ss.qmStaticStrength_setStrategy(self.pointer, strategy)
 
     gravity = Attribute(_get_gravity, _set_gravity,
                         "Gravity, cm/s². Setting it gives every weight its new force and removes the results that the"
@@ -153,14 +157,14 @@ class Analysis:
 
     def clear(self) -> None:
         """Removes all loads, offset loads, torques and results. The strategy and gravity stay."""
+        call(ss.qmStaticStrength_clear, self)
         pointer = self.pointer
-        call(ss.qmStaticStrength_clear, pointer)
         ss.qmStaticStrength_setStrategy(pointer, ss.qmStaticStrength_getStrategy(pointer))   # stores its text again
 
     def reset(self) -> None:
         """Reads the strategy, loads, offset loads and torques anew from what is saved on the figure, and removes the
         results that the joints hold. Entries that cannot be read are dropped, with a warning."""
-        call(ss.qmStaticStrength_reset, self.pointer)
+        call(ss.qmStaticStrength_reset, self)
         self._choose_unstored()
 
     @contextlib.contextmanager
@@ -189,7 +193,7 @@ class Analysis:
         strategy = self.strategy
         self._warn_of_palms()
         qc.qcFigure_removeJointProperty(self._human.figure.pointer, RESULT_KEY)
-        call(ss.qmStaticStrength_compute, self.pointer)
+        call(ss.qmStaticStrength_compute, self)
         result = self._result(strategy)
         wrong = [joint for joint, each in result.items() if not each.is_finite]
         if wrong:
@@ -234,14 +238,15 @@ class Analysis:
         """
         return _frames.simulate(self, frames, progress)
 
-    def simulate_array(self, frames: Any, *, angles: Optional[Sequence[Union[str, Tuple[str, int]]]] = None,
-                       joints: Optional[Sequence[str]] = None, progress: bool = False) -> FrameResults:
+    def simulate_array(self, frames: Any, *, angles: Optional[Sequence[_frames.Column]] = None,
+                       joints: Optional[Sequence[Union[str, Joint]]] = None, progress: bool = False) -> FrameResults:
         """Computes many frames at once: postures as rows of numbers in, results as an array of numbers out.
 
         :param frames: the postures: rows of angles in degrees, as a two-dimensional array of numpy or any other
             sequence of sequences
-        :param angles: what the columns are: joints (all their angles) or (joint, index from 1); None: all angles of
-            the figure, as ``figure.angles`` lists them. Angles that are not among them stay
+        :param angles: what the columns are: joints (all their angles) or (joint, index from 1), a joint by its name
+            or as the object; None: all angles of the figure, as ``figure.angles`` lists them. Angles that are not
+            among them stay
         :param joints: the joints whose results are kept; None: all
         :param progress: shows a progress bar, if tqdm is installed
         :raises StaticStrengthError: at the first frame that cannot be set or computed; the text tells which
@@ -258,12 +263,12 @@ class Analysis:
         :param script: Python source, which runs in ``__main__``
         :raises StaticStrengthError: when it is active already
         """
-        if not call(ss.qmStaticStrength_activate, self.pointer, script):
+        if not call(ss.qmStaticStrength_activate, self, script):
             raise StaticStrengthError(f"the analysis of {self._human.name} is active already; deactivate it first.")
 
     def deactivate(self) -> None:
         """Ends what :meth:`activate` began. Allowed at any time."""
-        call(ss.qmStaticStrength_deactivate, self.pointer)
+        call(ss.qmStaticStrength_deactivate, self)
 
     @property
     def is_active(self) -> bool:
@@ -274,12 +279,11 @@ class Analysis:
 
     def report(self) -> List[str]:
         """The settings as lines of text: each load on a site, the strategy, gravity."""
-        pointer = self.pointer
         lines: List[str] = []
-        line = call(ss.qmStaticStrength_reportLoads, pointer, 1)
+        line = call(ss.qmStaticStrength_reportLoads, self, 1)
         while line is not None:
             lines.append(line)
-            line = call(ss.qmStaticStrength_reportLoads, pointer)
+            line = call(ss.qmStaticStrength_reportLoads, self)
         return lines
 
     def __reduce_ex__(self, protocol: Any) -> NoReturn:

@@ -2,6 +2,7 @@
 from __future__ import annotations
 
 import json
+import reprlib
 from typing import TYPE_CHECKING, Any, Dict, List, Mapping, NamedTuple, Optional, Sequence, Tuple, Union
 
 from ._attribute import Attribute
@@ -135,9 +136,10 @@ class Figure(SceneObject):
         except (TypeError, ValueError):
             raise TypeError("the root: expected a position (x, y, z), cm, and a rotation (rx, ry, rz), degrees, found "
                             f"{root!r}.") from None
+        origin = as_vector(position, "the root's position, cm")
+        turns = as_vector(rotation, "the root's rotation, degrees")
         self._check_movable()
-        call(qc.qcFigure_setRoot, self.pointer, *as_vector(position, "the root's position, cm"),
-             *as_vector(rotation, "the root's rotation, degrees"))
+        call(qc.qcFigure_setRoot, self, *origin, *turns)
 
     root = Attribute(_get_root, _set_root,
                      "Where its root segment was put, a :class:`Root`. Set it to a position (cm) and a rotation"
@@ -162,6 +164,9 @@ class Figure(SceneObject):
         return {name: joint.degrees for name, joint in self._joints.items()}
 
     def _set_posture(self, posture: Posture) -> None:
+        if not hasattr(posture, "items"):
+            raise TypeError("a posture: expected angles in degrees by joint, such as {\"left_knee\": 30}, found "
+                            f"{reprlib.repr(posture)}.")
         wanted = [(self._find_joint(joint), angles) for joint, angles in posture.items()]
         before = [(joint, joint.radians) for joint, angles in wanted]
         try:
@@ -186,7 +191,7 @@ class Figure(SceneObject):
 
         :meth:`Scene.add_posed` makes a figure of it that gives the same results to the bit.
         """
-        text = call(qc.qcFigure_getPosed, self.pointer)
+        text = call(qc.qcFigure_getPosed, self)
         if text is None:
             raise StaticStrengthError(f"figure {self._name} cannot be written.")
         content: Dict[str, Any] = json.loads(text)

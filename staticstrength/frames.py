@@ -24,9 +24,10 @@ class FrameResults(Sequence[Dict[str, JointResult]]):
     not-a-numbers where a joint has no result. ``numpy.asarray(results)`` is a view of them of ``shape``.
     """
 
-    def __init__(self, joints: Sequence[str], flat: array[float]) -> None:
+    def __init__(self, joints: Sequence[str], flat: array[float], count: int) -> None:
         self._joints = tuple(joints)
         self._flat = flat
+        self._count = count
         self._index = {joint: i for i, joint in enumerate(self._joints)}
         self._stride = len(self._joints) * len(COMPONENTS)
 
@@ -46,7 +47,7 @@ class FrameResults(Sequence[Dict[str, JointResult]]):
         return len(self), len(self._joints), len(COMPONENTS)
 
     def __len__(self) -> int:
-        return len(self._flat) // self._stride if self._stride else 0
+        return self._count
 
     @overload
     def __getitem__(self, frame: int) -> Dict[str, JointResult]: ...
@@ -93,7 +94,8 @@ class FrameResults(Sequence[Dict[str, JointResult]]):
 
     def __array__(self, dtype: Any = None, copy: Optional[bool] = None) -> Any:
         import numpy
-        numbers = numpy.frombuffer(self._flat, dtype=numpy.float32).reshape(self.shape)
+        numbers = (numpy.frombuffer(self._flat, dtype=numpy.float32) if self._flat else
+                   numpy.empty(0, dtype=numpy.float32)).reshape(self.shape)
         if dtype is not None and numpy.dtype(dtype) != numbers.dtype:
             return numbers.astype(dtype)
         return numbers.copy() if copy else numbers

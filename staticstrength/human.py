@@ -82,7 +82,7 @@ class Human(SceneObject):
         return qc.qcHuman_getSex(self.pointer)
 
     def _set_sex(self, sex: str) -> None:
-        call(qc.qcHuman_setSex, self.pointer, sex)
+        call(qc.qcHuman_setSex, self, sex)
 
     sex = Attribute(_get_sex, _set_sex, '``"male"`` or ``"female"``; None when nothing tells it. The other sex has'
                                         " other shares of the body's mass.")
@@ -91,7 +91,7 @@ class Human(SceneObject):
         return qc.qcHuman_getStature(self.pointer)
 
     def _set_stature(self, stature: float) -> None:
-        call(qc.qcHuman_setStature, self.pointer, as_number(stature, "the stature, cm"))
+        call(qc.qcHuman_setStature, self, as_number(stature, "the stature, cm"))
 
     stature = Attribute(_get_stature, _set_stature, "The stature, cm, to which all lengths scale; None when nothing"
                                                     " tells it.")
@@ -100,7 +100,7 @@ class Human(SceneObject):
         return self._figure.mass
 
     def _set_mass(self, grams: float) -> None:
-        call(qc.qcHuman_setMass, self.pointer, as_number(grams, "the body's mass, g"))
+        call(qc.qcHuman_setMass, self, as_number(grams, "the body's mass, g"))
 
     mass = Attribute(_get_mass, _set_mass, "The whole body's mass, g, to which the segments' masses scale.")
 

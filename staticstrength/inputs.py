@@ -1,7 +1,7 @@
 """Inputs: the loads, offset loads and torques that an analysis was told, as collections that change it."""
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Iterator, List, MutableMapping, Optional, Sequence, Union, overload
+from typing import TYPE_CHECKING, Any, Callable, Iterator, List, MutableMapping, Optional, Sequence, Union, overload
 
 from ._flat import NULL, qc, ss
 from ._host import call
@@ -13,14 +13,8 @@ from .vectors import Vector, VectorLike, as_vector, single
 if TYPE_CHECKING:
     from .analysis import Analysis
 
-# The host's vectors through which all calls go, one after the other; they live as long as the process.
-_FIRST = qc.new_qVector(0, 0, 0)
-_SECOND = qc.new_qVector(0, 0, 0)
-
-
-def _vector(numbers: VectorLike, into: str = _FIRST) -> str:
-    qc.qVector_set(into, *numbers)
-    return into
+# The host's vector through which all is read; it lives as long as the process.
+_READ = qc.new_qVector(0, 0, 0)
 
 
 class Loads(MutableMapping[str, Load]):
@@ -91,16 +85,15 @@ class Loads(MutableMapping[str, Load]):
             return None
         if kind == "weight":
             return _stored_weight(ss.qmStaticStrength_getSiteWeight(analysis, site.pointer))
-        if not ss.qmStaticStrength_getSiteLoad(analysis, site.pointer, _FIRST):
+        if not ss.qmStaticStrength_getSiteLoad(analysis, site.pointer, _READ):
             return None
-        return _stored_force(qc.qVector_get(_FIRST), kind == "local")
+        return _stored_force(qc.qVector_get(_READ), kind == "local")
 
     def _put(self, site: Site, load: Load) -> None:
-        analysis = self._analysis.pointer
         if isinstance(load, Weight):
-            done = call(ss.qmStaticStrength_setWeightLoad, analysis, site.pointer, load.grams)
+            done = call(ss.qmStaticStrength_setWeightLoad, self._analysis, site, load.grams)
         else:
-            done = call(ss.qmStaticStrength_setLoad, analysis, site.pointer, _vector(load.vector), int(load.local))
+            done = call(ss.qmStaticStrength_setLoad, self._analysis, site, load.vector, int(load.local))
         if not done:
             raise StaticStrengthError(f"the load at {site.key} cannot be set.")
 
@@ -117,9 +110,9 @@ class Torques(MutableMapping[str, Vector]):
 
     def __getitem__(self, joint: Union[str, Joint]) -> Vector:
         found = self._analysis.human.figure._find_joint(joint)
-        if not ss.qmStaticStrength_getDefinedTorque(self._analysis.pointer, found.pointer, _FIRST):
+        if not ss.qmStaticStrength_getDefinedTorque(self._analysis.pointer, found.pointer, _READ):
             raise KeyError(f"there is no torque at {found.key}")
-        return Vector(*qc.qVector_get(_FIRST))
+        return Vector(*qc.qVector_get(_READ))
 
     def __setitem__(self, joint: Union[str, Joint], torque: VectorLike) -> None:
         found = self._analysis.human.figure._find_joint(joint)
@@ -147,7 +140,7 @@ class Torques(MutableMapping[str, Vector]):
         return repr(dict(self))
 
     def _put(self, joint: Joint, torque: Vector) -> None:
-        if not call(ss.qmStaticStrength_setDefinedTorque, self._analysis.pointer, joint.pointer, _vector(torque)):
+        if not call(ss.qmStaticStrength_setDefinedTorque, self._analysis, joint, torque):
             raise StaticStrengthError(f"the torque at {joint.key} cannot be set.")
 
     def _joints(self) -> List[Joint]:
@@ -206,13 +199,15 @@ class OffsetLoads(Sequence[OffsetLoad]):
         if offset is None or load is None:
             raise TypeError("expected a site, an offset (cm) and a load.")
         found = self._analysis.human.figure._find_site(site)
-        return self._read(self._put(found, as_vector(offset, "a load's offset, cm"), as_load(load)))
+        return self._put(found, as_vector(offset, "a load's offset, cm"), as_load(load))
 
     def remove(self, load: OffsetLoad) -> None:
         """Removes the first load that is equal, in single precision.
 
         :raises ValueError: when there is none
         """
+        if not isinstance(load, OffsetLoad):
+            raise TypeError(f"expected an OffsetLoad, found {load!r}; by its place one is removed with del or pop().")
         wanted = OffsetLoad(load.site, Vector(*map(single, load.offset)), in_single(load.load))
         for record in self._records():
             if self._read(record) == wanted:
@@ -233,6 +228,10 @@ class OffsetLoads(Sequence[OffsetLoad]):
         chosen = self._records()[index]
         for record in [chosen] if isinstance(chosen, str) else chosen:
             self._remove(record)
+
+    if not TYPE_CHECKING:   # a type checker finds none
+        def __setitem__(self, index, load):
+            raise TypeError("a load with an offset cannot be replaced; remove it and append another one.")
 
     def clear(self) -> None:
         """Removes all."""
@@ -258,17 +257,20 @@ class OffsetLoads(Sequence[OffsetLoad]):
         key = site.key if site is not None else qc.qcSite_getFullName(ss.loadWithOffset_site_get(record))
         return _stored_offset_load(key, qc.qVector_get(ss.loadWithOffset_offset_get(record)), load)
 
-    def _put(self, site: Site, offset: Vector, load: Load) -> str:
-        analysis = self._analysis.pointer
-        where = _vector(offset)
+    # A record is read before what was reported is told: a warning's hook may remove it.
+    def _put(self, site: Site, offset: Vector, load: Load) -> OffsetLoad:
+        def put(function: Callable[..., str], *arguments: Any) -> Optional[OffsetLoad]:
+            record = function(*arguments)
+            return None if record == NULL else self._read(record)
+
         if isinstance(load, Weight):
-            record = call(ss.qmStaticStrength_setWeightLoadWithOffset, analysis, site.pointer, where, load.grams)
+            kept = call(put, ss.qmStaticStrength_setWeightLoadWithOffset, self._analysis, site, offset, load.grams)
         else:
-            record = call(ss.qmStaticStrength_setLoadWithOffset, analysis, site.pointer, where,
-                          _vector(load.vector, _SECOND), int(load.local))
-        if record == NULL:
+            kept = call(put, ss.qmStaticStrength_setLoadWithOffset, self._analysis, site, offset, load.vector,
+                        int(load.local))
+        if kept is None:
             raise StaticStrengthError(f"the load at an offset from {site.key} cannot be set.")
-        return record
+        return kept
 
     def _remove(self, record: str) -> None:
         ss.qmStaticStrength_removeLoadWithOffset(self._analysis.pointer, record)

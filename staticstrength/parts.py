@@ -5,11 +5,12 @@ forward; a transform is four rows of four, row vectors, the translation in row 3
 """
 from __future__ import annotations
 
+from collections.abc import Mapping, Set
 from typing import TYPE_CHECKING, Any, List, NoReturn, Optional, Sequence, Tuple, Union
 
 from ._attribute import Attribute
 from ._flat import NULL, qc
-from ._host import tell, tell_earlier
+from ._host import Pointed, tell, tell_earlier
 from .errors import StaticStrengthError
 from .vectors import Vector, as_number, degrees_of, radians_of
 
@@ -27,7 +28,7 @@ PropertyValue = Any
 Angles = Union[float, Sequence[float]]
 
 
-class SceneObject:
+class SceneObject(Pointed):
     """Something within a scene. It keeps its scene open; every use after the scene was closed raises ClosedError."""
 
     __slots__ = ("_address", "_scene", "__weakref__")
@@ -110,7 +111,8 @@ class Segment(Part):
         return qc.qcSegment_getMass(self.pointer)
 
     def _set_mass(self, grams: float) -> None:
-        qc.qcSegment_setMass(self.pointer, as_number(grams, f"the mass of {self.full_name}, g"))
+        number = as_number(grams, f"the mass of {self.full_name}, g")
+        qc.qcSegment_setMass(self.pointer, number)
 
     mass = Attribute(_get_mass, _set_mass, "Its mass, g; zero or less counts as weightless. One that was set stays"
                                            " when the body's mass changes.")
@@ -246,10 +248,13 @@ class Joint(Part):
 
     def _numbers(self, angles: Angles, unit: str) -> List[float]:
         what = f"joint {self._unique_name}, angles in {unit}"
-        if isinstance(angles, (str, bytes)) or not hasattr(angles, "__iter__"):
-            numbers = [as_number(angles, what)]
-        else:
-            numbers = [as_number(angle, what) for angle in angles]
+        if isinstance(angles, (Mapping, Set)):
+            raise TypeError(f"{what}: expected a number or several in a row, found {angles!r}.")
+        try:
+            given: List[Any] = [angles] if isinstance(angles, (str, bytes)) else list(angles)   # type: ignore[arg-type]
+        except TypeError:   # a number; an array of no dimension counts as one
+            given = [angles]
+        numbers = [as_number(angle, what) for angle in given]
         count = len(self._indices())
         if len(numbers) > count:
             raise ValueError(f"{what}: it has {count} angle{'' if count == 1 else 's'}, found {len(numbers)}.")
@@ -257,13 +262,14 @@ class Joint(Part):
 
     # All or none: what was set before the one that cannot be set is put back.
     def _turn(self, radians: Sequence[float]) -> None:
+        tell_earlier()   # a warning's hook may close the scene
+        pointer = self.pointer
         before = self._get_radians()
-        tell_earlier()
         for i, angle in enumerate(radians, 1):
-            if qc.qcJoint_setAngle(self._address, i, angle):
+            if qc.qcJoint_setAngle(pointer, i, angle):
                 continue
             for k in range(1, i):
-                qc.qcJoint_setAngle(self._address, k, before[k - 1])
+                qc.qcJoint_setAngle(pointer, k, before[k - 1])
             tell(qc.qcMessages_take())
             raise StaticStrengthError(f"joint {self._full_name}: angle {i} cannot be set.")
 

@@ -9,7 +9,7 @@ from typing import Any, Dict, List, Mapping, NoReturn, Optional, Type, Union
 
 from ._attribute import Attribute
 from ._flat import NULL, qc, ss
-from ._host import call, warn
+from ._host import Pointed, call, warn
 from .errors import ClosedError, StaticStrengthError
 from .human import Human
 from .loads import Weight
@@ -36,7 +36,7 @@ class _Open:
         qc.qcScene_close(pointer)
 
 
-class Scene:
+class Scene(Pointed):
     """A scene: ``Scene()`` makes an empty one, ``Scene.open(path)`` opens a file.
 
     ::
@@ -58,9 +58,10 @@ class Scene:
 
         :raises StaticStrengthError: when it cannot be read; the text names the place in the file
         """
-        pointer = call(qc.qcScene_open, os.fspath(path))
+        file = os.fspath(path)
+        pointer = call(qc.qcScene_open, file)
         scene = cls.__new__(cls)
-        scene._begin(_there(pointer, f"{os.fspath(path)!r} cannot be opened."), path)
+        scene._begin(_there(pointer, f"{file!r} cannot be opened."), path)
         return scene
 
     def _begin(self, pointer: str, path: Optional[Path]) -> None:
@@ -94,18 +95,19 @@ class Scene:
         :param path: None: where it was opened or saved last
         :raises StaticStrengthError: when it cannot be written, or when a weight would be lost
         """
-        pointer = self._check()
+        self._check()
         target = self._path if path is None else path
         if target is None:
             raise ValueError("this scene has no file yet; save it with a path.")
+        file = os.fspath(target)
         self._check_keepable()
-        if call(qc.qcScene_save, pointer, os.fspath(target)) != 1:
-            raise StaticStrengthError(f"{os.fspath(target)!r} cannot be saved.")
+        if call(qc.qcScene_save, self, file) != 1:
+            raise StaticStrengthError(f"{file!r} cannot be saved.")
         self._path = target
 
     # A weight's force is gravity's, and a load without a force is not found again.
     def _check_keepable(self) -> None:
-        for human in self._humans.values():
+        for human in list(self._humans.values()):
             analysis = human._analysis
             if analysis is None or analysis.is_deleted:
                 continue
@@ -146,6 +148,7 @@ class Scene:
         return next(iter(humans.values()))
 
     def _human(self, pointer: str) -> Human:
+        self._check()   # a warning's hook may have closed the scene
         if pointer not in self._humans:
             self._humans[pointer] = Human(self, pointer)
         return self._humans[pointer]
@@ -157,8 +160,8 @@ class Scene:
         :raises StaticStrengthError: when the file cannot be read, the figure is no human, or the scene has a human
             of that name
         """
-        pointer = call(qc.qcScene_addHuman, self._check(), os.fspath(path), name)
-        return self._human(_there(pointer, f"{os.fspath(path)!r} cannot be added."))
+        file = os.fspath(path)
+        return self._human(_there(call(qc.qcScene_addHuman, self, file, name), f"{file!r} cannot be added."))
 
     def add_posed(self, figure: Union[str, Mapping[str, Any]]) -> Human:
         """Adds a human whose figure is given posed, as the text of its file or as that text's content.
@@ -166,7 +169,7 @@ class Scene:
         :raises StaticStrengthError: when it is no figure, no human, or the scene has a human of that name
         """
         text = figure if isinstance(figure, str) else json.dumps(figure)
-        return self._human(_there(call(qc.qcScene_addPosedHuman, self._check(), text), "the figure cannot be added."))
+        return self._human(_there(call(qc.qcScene_addPosedHuman, self, text), "the figure cannot be added."))
 
     # ---- the world ----
 
@@ -174,10 +177,9 @@ class Scene:
         return Vector(*qc.qcScene_getGravity(self._check()))
 
     def _set_gravity(self, gravity: VectorLike) -> None:
-        pointer = self._check()
         wanted = Vector(*map(single, as_vector(gravity, "gravity, cm/s²")))
-        qc.qcScene_setGravity(pointer, *wanted)
-        for human in self._humans.values():
+        qc.qcScene_setGravity(self._check(), *wanted)
+        for human in list(self._humans.values()):
             if human._analysis is not None and not human._analysis.is_deleted and human._analysis.gravity != wanted:
                 human._analysis.gravity = wanted
 

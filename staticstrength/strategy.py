@@ -2,6 +2,7 @@
 from __future__ import annotations
 
 import enum
+import operator
 from typing import Union
 
 from ._flat import ss
@@ -39,11 +40,20 @@ class Strategy(enum.IntEnum):
 
         :raises UnknownNameError: for another text
         :raises ValueError: for another number
+        :raises TypeError: for what is neither
         """
+        expected = f"expected one of {', '.join(each.text for each in cls)}"
         if not isinstance(strategy, str):
-            return cls(strategy)
+            try:
+                number = None if isinstance(strategy, bool) else operator.index(strategy)
+            except TypeError:
+                number = None
+            if number is None:
+                raise TypeError(f"the strategy: {expected}, found {strategy!r}.")
+            if number not in set(map(int, cls)):
+                raise ValueError(f"the strategy: {expected}, found {number}.")
+            return cls(number)
         by_text = {each.text: each for each in cls}
         if strategy not in by_text:
-            raise unknown_name("the analysis", "strategy", strategy, by_text,
-                               f"; expected one of {', '.join(by_text)}")
+            raise unknown_name("the analysis", "strategy", strategy, by_text, f"; {expected}")
         return by_text[strategy]

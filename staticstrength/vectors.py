@@ -1,6 +1,8 @@
 """Vectors and numbers: three components, and the checks that every number passes on its way to the host."""
 import math
+import numbers
 import struct
+from collections.abc import Mapping, Set
 from typing import Any, NamedTuple, Sequence, Union
 
 #: Newton in a kilogram-force: standard gravity, 9.80665 m/s² (CGPM, 1901).
@@ -46,7 +48,7 @@ def as_number(value: Any, what: str) -> float:
     :raises TypeError: for what is no number
     :raises ValueError: for one that is not finite, or too large
     """
-    if isinstance(value, (str, bytes, bool)):
+    if isinstance(value, (str, bytes, bool)) or is_complex(type(value)):
         raise TypeError(f"{what}: expected a number, found {value!r}.")
     try:
         number = float(value)
@@ -63,10 +65,15 @@ def as_number(value: Any, what: str) -> float:
     return number
 
 
+def is_complex(kind: type) -> bool:
+    """Whether a type is of complex numbers, which some take for real ones without their imaginary part."""
+    return issubclass(kind, numbers.Complex) and not issubclass(kind, numbers.Real)
+
+
 def as_vector(value: Any, what: str) -> Vector:
     """Three numbers, each as by :func:`as_number`."""
     try:
-        parts = [] if isinstance(value, (str, bytes)) else list(value)
+        parts = [] if isinstance(value, (str, bytes, Mapping, Set)) else list(value)
     except TypeError:
         parts = []
     if len(parts) != 3:

@@ -49,9 +49,18 @@ private:
         return false;
     }
 
+    // A class of the user's may turn itself into a float by code of its own, which could close the scene whose
+    // object receives the value; so the number that it is built on is taken.
+    static double toDouble(PyObject* object)
+    {
+        if (PyFloat_Check(object))
+            return PyFloat_AsDouble(object);
+        return PyLong_Check(object) ? PyLong_AsDouble(object) : static_cast<double>(PyInt_AsLong(object));
+    }
+
     bool toFloat(PyObject* object, float& number) const
     {
-        const double wide = PyFloat_AsDouble(object);
+        const double wide = toDouble(object);
         if (wide == -1.0 && PyErr_Occurred()) {
             if (!PyErr_ExceptionMatches(PyExc_OverflowError))
                 return false;
@@ -123,7 +132,7 @@ private:
         qcValue** end = &value.payload.first;
         for (Py_ssize_t i = 0; i < PyList_Size(object); ++i) {
             PyObject* item = PyList_GetItem(object, i);
-            Py_INCREF(item);   // a number's own class may change the list while it is asked
+            Py_INCREF(item);   // for as long as it is read
             const Reference element(item);
             *end = new qcValue;
             if (!read(element.get(), depth + 1, **end))

@@ -186,7 +186,7 @@ bool decode(const char* text, const char* expected, void*& address)
         return std::strcmp(text, "NULL") == 0;
     std::uintptr_t number;
     const char* found = readAddress(text, number);
-    address = reinterpret_cast<void*>(number);
+    address = reinterpret_cast<void*>(number);   // NOLINT(performance-no-int-to-ptr): it was written as a number
     return !expected || std::strcmp(found, expected) == 0 || theTable().accepts(found, expected, address);
 }
 

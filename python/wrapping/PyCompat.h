@@ -53,11 +53,13 @@
 #endif
 
 /// The entry of a module, which an interpreter has to find in a library that hides its names.
+// NOLINTBEGIN(bugprone-macro-parentheses): a name that is pasted takes none
 #if PY_MAJOR_VERSION >= 3
 #define DECLARE_MODULE_INIT(name) extern "C" __attribute__((visibility("default"))) PyObject* PyInit_##name()
 #else
 #define DECLARE_MODULE_INIT(name) extern "C" __attribute__((visibility("default"))) void init##name()
 #endif
+// NOLINTEND(bugprone-macro-parentheses)
 
 /// Whether an object is an integer of any width.
 inline bool pyIsInteger(PyObject* object)

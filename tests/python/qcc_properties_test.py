@@ -217,21 +217,31 @@ class Properties(HostTest):
             value = [value, value]
         self.check_refused(ValueError, "Argument 3 of qcObject_setProperty holds more than 1000000 values.", value)
 
-    def test_list_that_changes_while_it_is_read_does_no_harm(self):
-        values = [1.0]
+    # Such code could change the list that is read, or close the scene of the object that receives the value.
+    def test_number_s_own_class_runs_no_code(self):
+        ran = []
 
         class Sly(float):
             def __float__(self):
-                del values[:]
+                ran.append(self)
                 return 2.0
 
         class SlyInteger(int):
             def __float__(self):
-                del values[:]
+                ran.append(self)
                 return 2.0
 
-        values.extend([Sly(1.5), SlyInteger(1), "a"])
-        self.assertEqual(self.stored(values)[0], 1.0)
+            __index__ = __int__ = __float__
+
+        class SlyLong(type(2 ** 64)):
+            def __float__(self):
+                ran.append(self)
+                return 2.0
+
+        values = [1.0, Sly(1.5), SlyInteger(1), SlyLong(2 ** 64), (Sly(3), SlyInteger(-4), SlyLong(5)), "a"]
+        self.assertEqual(self.stored(values), [1.0, 1.5, 1.0, 2.0 ** 64, (3.0, -4.0, 5.0), "a"])
+        self.assertEqual(self.stored(SlyInteger(7)), 7.0)
+        self.assertEqual(ran, [])
 
     def test_saved_properties_come_back(self):
         values = [["f", single(0.1), -0.0, INFINITE], "text", native_text(b"\xff\xc3\xa9"), (1.0, single(0.3), -2.0),

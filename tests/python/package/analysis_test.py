@@ -1,7 +1,9 @@
 """The analysis: its strategy, gravity, computation, settings restored, messages, simulation steps."""
 import builtins
 import json
+import math
 import os
+import re
 import subprocess
 
 import libqcc
@@ -50,9 +52,11 @@ def test_strategy_is_set_by_value_text_or_number(man):
 def test_wrong_strategy_is_refused(man):
     with pytest.raises(UnknownNameError, match='no strategy "two-foot"; expected one of .*Did you mean two-feet'):
         man.analysis.strategy = "two-foot"
-    for wrong in (6, 8, None):
-        with pytest.raises(ValueError):
-            man.analysis.strategy = wrong
+    for kind, wrongs in ((ValueError, (6, 8, 99, -1)), (TypeError, (None, True, 1.0, [0]))):
+        for wrong in wrongs:
+            text = f"expected one of two-feet, .*, hands-and-knees, found {re.escape(repr(wrong))}"
+            with pytest.raises(kind, match=text):
+                man.analysis.strategy = wrong
     assert man.analysis.strategy is Strategy.TWO_FEET
 
 
@@ -285,6 +289,41 @@ def test_offset_load_that_cannot_be_put_back_is_warned_of_where_the_block_ends(s
             man.analysis.offset_loads.clear()
     assert list(man.analysis.offset_loads) == [kept]
     assert caught[0].filename == __file__
+
+
+# The warning of the load that cannot be put back is an exception in these tests: all the rest comes back.
+def test_all_else_is_put_back_where_one_part_cannot_be(scene, man):
+    analysis = man.analysis
+    other = scene.add_posed(small_body("other").document)
+    vector = libqcc.new_qVector(0, 0, 1)
+    libqmSSTRc.qmStaticStrength_setLoadWithOffset(analysis.pointer, other.sites[PALM].pointer, vector, vector)
+    libqcc.delete_qVector(vector)
+    tell(analysis)
+    before, offset_loads = state(analysis), list(analysis.offset_loads)
+    assert len(offset_loads) == 3
+    with pytest.raises(StaticStrengthWarning, match=f"with an offset at other.{PALM}"):
+        with analysis.temporary():
+            analysis.clear()
+            analysis.strategy = "sitting"
+            analysis.gravity = 0, -1, 0
+    assert list(analysis.offset_loads) == offset_loads[1:]
+    assert state(analysis) == (before[0], offset_loads[1:], *before[2:])
+
+
+# Only the flat modules can set such a gravity.
+def test_gravity_that_is_no_number_is_put_back(man):
+    analysis = man.analysis
+    analysis.loads[PALM] = 0, -1, 0
+    vector = libqcc.new_qVector(0, float("nan"), 0)
+    libqmSSTRc.qmStaticStrength_setGravity(analysis.pointer, vector)
+    libqcc.delete_qVector(vector)
+    with analysis.temporary():
+        pass
+    assert math.isnan(analysis.gravity.y)
+    with analysis.temporary():
+        analysis.gravity = 0, -1, 0
+        assert analysis.gravity.y == -1
+    assert math.isnan(analysis.gravity.y) and list(analysis.loads.items()) == [(PALM, Force(0, -1, 0))]
 
 
 def test_scene_may_be_closed_within_temporary_changes(man):

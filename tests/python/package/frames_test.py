@@ -1,4 +1,5 @@
 """Frames: postures one after the other, as objects and as arrays, and how many fit in a second."""
+import io
 import math
 import sys
 from array import array
@@ -65,6 +66,21 @@ def test_what_are_no_frames_is_refused_at_once(analysis, wrong, kind):
         analysis.simulate(wrong)
 
 
+@pytest.mark.parametrize("wrong, text", [
+    ("abc", "expected postures, found the text 'abc'"),
+    ({"left_knee": 10}, "expected postures, one a frame, found a single one; for one frame put it into a list"),
+])
+def test_what_is_one_thing_is_no_frames(analysis, wrong, text):
+    with pytest.raises(TypeError, match=text):
+        analysis.simulate(wrong)
+
+
+@pytest.mark.parametrize("wrong", [["ab"], [5], [[1, 2]], numpy.zeros((2, 3)), lambda i: 5])
+def test_frame_that_is_no_posture_leads_to_the_arrays(analysis, wrong):
+    with pytest.raises(TypeError, match="^frame 0: simulate takes postures, .* found .*; did you mean simulate_array"):
+        next(analysis.simulate(wrong))
+
+
 def test_frame_that_cannot_be_set_raises_when_it_is_its_turn(analysis):
     results = analysis.simulate([{"left_knee": 10}, {"left_knee": 1000}, {"left_nee": 1}])
     next(results)
@@ -92,6 +108,18 @@ def test_progress_bar_is_shown_when_asked_for(analysis, capsys):
     assert "5/5" in capsys.readouterr().err
     list(analysis.simulate(BENDS))
     assert capsys.readouterr().err == ""
+
+
+# What the bar is written to may be anybody's.
+def test_scene_closed_by_what_shows_the_progress_ends_the_frames(analysis, monkeypatch):
+    class Closing(io.StringIO):
+        def write(self, text):
+            analysis.human.scene.close()
+            return len(text)
+
+    monkeypatch.setattr(sys, "stderr", Closing())
+    with pytest.raises(ClosedError):
+        analysis.simulate_array([[1], [2]], angles=["left_knee"], progress=True)
 
 
 def test_progress_bar_without_tqdm_is_warned_of(analysis, monkeypatch):
@@ -218,6 +246,47 @@ def test_numbers_are_a_view_for_numpy_and_a_table_for_pandas(analysis, monkeypat
 def test_what_cannot_be_computed_is_told_with_its_place(analysis, frames, options, kind, text):
     with pytest.raises(kind, match=text):
         analysis.simulate_array(frames, **options)
+
+
+@pytest.mark.parametrize("frames, options, kind, text", [
+    (5, {}, TypeError, "expected rows of 1 angles in degrees, found 5"),
+    (None, {}, TypeError, "expected rows of 1 angles in degrees, found None"),
+    ("12", {}, TypeError, "expected rows of 1 angles in degrees, found '12'"),
+    ({0: [1]}, {}, TypeError, "expected rows of 1 angles in degrees"),
+    (["1"], {}, TypeError, "^frame 0: expected a row of 1 angles in degrees, found '1'"),
+    ([[1], [10 ** 400]], {}, ValueError, "^frame 1: expected a row of 1 angles in degrees, found a number too large"),
+    ([[1], [1j]], {}, TypeError, "^frame 1: expected a row of 1 angles"),
+    (numpy.array([[1j]]), {}, TypeError, "^frame 0: expected a row of 1 angles"),
+    ([[1]], {"joints": "waist"}, TypeError, "expected a list of joints, found the text 'waist'"),
+    ([[1]], {"joints": 5}, TypeError, "expected a list of joints, found 5"),
+    ([[1]], {"joints": [5]}, TypeError, "expected a joint or its name, found 5"),
+    ([[1]], {"angles": 5}, TypeError, r"expected a list of joints or of \(joint, index\), found 5"),
+    ([[1]], {"angles": [5]}, TypeError, r"expected a joint or \(joint, index from 1\), found 5"),
+    ([[1]], {"angles": [("left_knee", 1, 2)]}, TypeError, r"expected a joint or \(joint, index from 1\), found"),
+    ([[1]], {"angles": [("left_knee", "1")]}, TypeError, r"expected a joint or \(joint, index from 1\), found"),
+    ([[1]], {"angles": [("left_knee", True)]}, TypeError, r"expected a joint or \(joint, index from 1\), found"),
+    ([[1]], {"angles": [(5, 1)]}, TypeError, "expected a joint or its name, found 5"),
+])
+def test_what_is_no_array_of_postures_is_told_clearly(analysis, frames, options, kind, text):
+    with pytest.raises(kind, match=text):
+        analysis.simulate_array(frames, **{"angles": ["left_knee"], **options})
+
+
+def test_joints_may_be_given_as_objects(analysis, man):
+    knee, waist = analysis.human.joints["left_knee"], analysis.human.joints["waist"]
+    by_name = analysis.simulate_array([[10, 2]], angles=["left_knee", ("waist", 2)], joints=["waist"])
+    by_object = analysis.simulate_array([[10, 2]], angles=[knee, (waist, 2)], joints=[waist])
+    assert by_object.joints == ("waist",) and by_object.flat == by_name.flat
+    for options in ({"angles": [man.joints["left_knee"]]}, {"angles": [knee], "joints": [man.joints["waist"]]}):
+        with pytest.raises(ValueError, match="is not of figure worker"):
+            analysis.simulate_array([[10]], **options)
+
+
+def test_frames_are_counted_without_joints_and_without_angles(analysis):
+    without = analysis.simulate_array([[1], [2], [3]], angles=["left_knee"], joints=[])
+    assert without.shape == (3, 0, 6) and list(without) == [{}, {}, {}] and numpy.asarray(without).shape == (3, 0, 6)
+    same = analysis.simulate_array([[], []], angles=[], joints=["waist"])
+    assert same.shape == (2, 1, 6) and same[0] == same[1] != {}
 
 
 def test_error_of_a_computation_is_told_with_its_frame(scene):

@@ -5,6 +5,7 @@ import pickle
 import subprocess
 import sys
 import textwrap
+import warnings
 
 import libqcc
 import libqmSSTRc
@@ -160,6 +161,142 @@ def test_what_lives_in_a_scene_is_not_copied_or_pickled(man):
         for use in (copy.copy, copy.deepcopy, pickle.dumps):
             with pytest.raises(TypeError, match="neither be copied nor pickled"):
                 use(each)
+
+
+class Closing:
+    """A number, or a path, that closes a scene when it is asked what it is."""
+
+    def __init__(self, scene):
+        self._close = scene.close
+
+    def __float__(self):
+        self._close()
+        return 1.0
+
+    def __fspath__(self):
+        self._close()
+        return str(default_figure())
+
+
+GIVEN = {
+    "mass": lambda man, given: setattr(man, "mass", given),
+    "stature": lambda man, given: setattr(man, "stature", given),
+    "root": lambda man, given: setattr(man.figure, "root", ((0, 90, 0), (0, given, 0))),
+    "segment": lambda man, given: setattr(man.segments["l5"], "mass", given),
+    "degrees": lambda man, given: setattr(man.joints["left_knee"], "degrees", [given]),
+    "radians": lambda man, given: setattr(man.joints["left_knee"], "radians", given),
+    "posture": lambda man, given: setattr(man, "posture", {"waist": 1, "left_knee": given}),
+    "scene's gravity": lambda man, given: setattr(man.scene, "gravity", (0, given, 0)),
+    "gravity": lambda man, given: setattr(man.analysis, "gravity", (0, given, 0)),
+    "load": lambda man, given: man.analysis.loads.__setitem__(PALM, (0, given, 0)),
+    "weight": lambda man, given: man.analysis.loads.__setitem__(PALM, Weight(given)),
+    "offset": lambda man, given: man.analysis.offset_loads.append(PALM, (0, given, 0), Weight(1)),
+    "torque": lambda man, given: man.analysis.torques.__setitem__("waist", (0, given, 0)),
+    "rows": lambda man, given: man.analysis.simulate_array([[given]], angles=["left_knee"]),
+    "save": lambda man, given: man.scene.save(given), "add_human": lambda man, given: man.scene.add_human(given),
+}
+
+
+@pytest.mark.parametrize("use", [pytest.param(use, id=name) for name, use in GIVEN.items()])
+def test_what_is_given_may_close_the_scene(worker, use):
+    worker.analysis
+    with pytest.raises(ClosedError, match="this scene is closed"):
+        use(worker, Closing(worker.scene))
+    assert worker.scene.is_closed
+
+
+# What a use reports is warned of before it begins, and a warning runs what the user hooked to it.
+WARNED = {
+    "compute": lambda man: man.analysis.compute(), "clear": lambda man: man.analysis.clear(),
+    "reset": lambda man: man.analysis.reset(), "report": lambda man: man.analysis.report(),
+    "activate": lambda man: man.analysis.activate(), "deactivate": lambda man: man.analysis.deactivate(),
+    "gravity": lambda man: setattr(man.analysis, "gravity", (0, -1, 0)),
+    "strategy": lambda man: setattr(man.analysis, "strategy", "sitting"),
+    "load": lambda man: man.analysis.loads.__setitem__(PALM, (0, 1, 0)),
+    "weight": lambda man: man.analysis.loads.__setitem__(PALM, Weight(1)),
+    "torque": lambda man: man.analysis.torques.__setitem__("waist", (0, 1, 0)),
+    "offset": lambda man: man.analysis.offset_loads.append(PALM, (0, 1, 0), (0, 1, 0)),
+    "offset weight": lambda man: man.analysis.offset_loads.append(PALM, (0, 1, 0), Weight(1)),
+    "degrees": lambda man: setattr(man.joints["left_knee"], "degrees", 1),
+    "posture": lambda man: setattr(man, "posture", {"left_knee": 1}),
+    "simulate": lambda man: list(man.analysis.simulate(1)),
+    "array": lambda man: man.analysis.simulate_array([[1]], angles=["left_knee"]),
+    "mass": lambda man: setattr(man, "mass", 7e4), "sex": lambda man: setattr(man, "sex", "male"),
+    "stature": lambda man: setattr(man, "stature", 170), "posed": lambda man: man.figure.posed(),
+    "root": lambda man: setattr(man.figure, "root", ((0, 90, 0), (0, 0, 0))),
+    "scene's gravity": lambda man: setattr(man.scene, "gravity", (0, -1, 0)),
+    "save": lambda man: man.scene.save("never.json"), "add_human": lambda man: man.scene.add_human(default_figure()),
+    "add_posed": lambda man: man.scene.add_posed(small_body("late").document),
+}
+
+
+@pytest.fixture
+def hooked(worker, monkeypatch):
+    """Leaves a message with the host and has a function called when it is warned of."""
+    def hook(function):
+        with warnings.catch_warnings():
+            warnings.simplefilter("ignore")
+            worker.analysis
+        libqcc.qcJoint_setAngle(worker.joints["waist"].pointer, 9, 0.0)
+        monkeypatch.setattr(warnings, "showwarning", lambda *told: function())
+    with warnings.catch_warnings():
+        warnings.simplefilter("always")
+        yield hook
+    monkeypatch.undo()
+
+
+@pytest.mark.parametrize("use", [pytest.param(use, id=name) for name, use in WARNED.items()])
+def test_hook_of_a_warning_may_close_the_scene(worker, hooked, use):
+    worker.analysis.loads[PALM] = 0, -2, 0
+    hooked(worker.scene.close)
+    with pytest.raises(ClosedError, match="this scene is closed"):
+        use(worker)
+    assert worker.scene.is_closed
+
+
+@pytest.mark.parametrize("use", [pytest.param(WARNED[name], id=name) for name in
+                                 ("compute", "gravity", "load", "torque", "offset", "array")])
+def test_hook_of_a_warning_may_delete_the_analysis(worker, hooked, use):
+    analysis = worker.analysis
+    hooked(analysis.delete)
+    with pytest.raises(ClosedError, match="this analysis of worker was deleted"):
+        use(worker)
+    assert analysis.is_deleted
+
+
+# A human without an anthropometric scale is warned of while its analysis is made; the hook's is the same.
+def test_hook_of_a_warning_may_delete_an_analysis_that_is_being_made(scene, monkeypatch):
+    body = small_body("man")
+    body.document["anthro"] = "none"
+    man = scene.add_posed(body.document)
+    with warnings.catch_warnings():
+        warnings.simplefilter("always")
+        monkeypatch.setattr(warnings, "showwarning", lambda *told: man.analysis.delete())
+        with pytest.raises(ClosedError, match="this analysis of man was deleted"):
+            man.analysis
+        monkeypatch.setattr(warnings, "showwarning", lambda *told: None)
+        assert man.analysis.compute()["waist"].force.y == pytest.approx(-29)
+        monkeypatch.undo()
+
+
+# The hook's own vectors pass through the host's, too.
+def test_hook_of_a_warning_may_use_the_analysis(worker, hooked):
+    analysis = worker.analysis
+
+    def use():
+        analysis.offset_loads.append("t8.distal", (7, 8, 9), (7, 8, 9))
+        analysis.loads["head.eye_level"] = 7, 8, 9
+
+    for put, read in ((lambda value: analysis.loads.__setitem__(PALM, value), lambda: analysis.loads[PALM].vector),
+                      (lambda value: analysis.torques.__setitem__("waist", value), lambda: analysis.torques["waist"]),
+                      (lambda value: setattr(analysis, "gravity", value), lambda: analysis.gravity)):
+        hooked(use)
+        put((1, 2, 3))
+        assert read() == (1, 2, 3)
+    hooked(use)
+    added = analysis.offset_loads.append(PALM, (1, 2, 3), (4, 5, 6))
+    assert (added.offset, added.load.vector) == ((1, 2, 3), (4, 5, 6)) and analysis.offset_loads[-1] == added
+    assert len(analysis.offset_loads) == 5
 
 
 def test_deleted_analysis_of_one_human_leaves_the_others(scene, man):

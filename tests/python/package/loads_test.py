@@ -274,3 +274,13 @@ def test_joint_without_a_torque_and_wrong_joint_are_told_apart(scene, man, torqu
 def test_torque_is_part_of_the_joint_s_moment(man, torques):
     torques["right_wrist"] = 1, 2, 3
     assert man.analysis.compute()["right_wrist"].moment == pytest.approx((1, 2, 3))
+
+
+def test_offset_load_is_removed_by_value_and_not_replaced(man):
+    loads = man.analysis.offset_loads
+    kept = loads.append(PALM, (0, 1, 0), Weight(1))
+    with pytest.raises(TypeError, match="expected an OffsetLoad, found 5; by its place one is removed with del or"):
+        loads.remove(5)
+    with pytest.raises(TypeError, match="cannot be replaced; remove it and append another one"):
+        loads[0] = kept
+    assert list(loads) == [kept]

@@ -2,6 +2,7 @@
 import math
 
 import libqcc
+import numpy
 import pytest
 from conftest import OTHER_PALM, PALM
 from small_figure import small_body
@@ -267,3 +268,36 @@ def test_degrees_read_back_to_the_same_radians(worker):
     for tenths in range(-300, 300):
         joint.degrees = tenths / 10
         assert joint.degrees[0] == tenths / 10
+
+
+@pytest.mark.parametrize("wrong", [5, [1, 2], "left_knee", None])
+def test_what_is_no_posture_is_refused(man, wrong):
+    with pytest.raises(TypeError, match="a posture: expected angles in degrees by joint, .*, found "):
+        man.posture = wrong
+
+
+@pytest.mark.parametrize("wrong", [{1: 2}, {1, 2}, "1", 1j, numpy.complex128(1), [1j], None])
+def test_what_are_no_angles_is_refused(man, wrong):
+    knee = man.joints["left_knee"]
+    before = knee.radians
+    with pytest.raises(TypeError, match="joint left_knee, angles in degrees: expected a number"):
+        knee.degrees = wrong
+    assert knee.radians == before
+
+
+def test_array_of_no_dimension_is_a_number(man):
+    man.joints["left_knee"].degrees = numpy.array(30.0)
+    assert man.joints["left_knee"].degrees == (30,)
+    man.segments["l5"].mass = numpy.array(1500)
+    assert man.segments["l5"].mass == 1500
+
+
+# A class of the user's has code of its own, here for a float; what it is built on counts.
+def test_property_that_is_a_number_of_one_s_own_runs_no_code(man):
+    class Closing(int):
+        def __float__(self):
+            man.scene.close()
+            return 2.0
+
+    man.set_property("Note", [Closing(5), (Closing(1), 2, 3)])
+    assert man.get_property("Note") == [5.0, (1.0, 2.0, 3.0)]
