@@ -153,7 +153,8 @@ PyObject* ptradd(PyObject*, PyObject* args)
         return nullptr;
     void* address;
     const char* pointer = pointerText(argument, address);
-    const Element* element = pointer ? elementPointedTo(pointer) : nullptr;
+    // "NULL" has no type, and so moves by bytes
+    const Element* element = pointer && !isUntyped(pointer) ? elementPointedTo(pointer) : nullptr;
     const int step = element ? element->size : pointer && isUntyped(pointer) ? 1 : 0;
     if (step == 0)
         return refuse("Type error in ptradd. Argument is not a valid pointer value.");

@@ -50,8 +50,10 @@ public:
         for (Equivalent& known : entry->equivalents) {
             if (known.name != equivalent)
                 continue;
-            if (conversion)
+            if (conversion) {
                 known.conversion = conversion;
+                sorted = false;   // the cache may hold the one before
+            }
             return;
         }
         entry->equivalents.push_back({equivalent, conversion});

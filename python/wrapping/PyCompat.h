@@ -45,6 +45,7 @@
 #pragma weak PyInt_AsLong
 #pragma weak PyInt_FromLong
 #pragma weak PyString_AsString
+#pragma weak PyString_Concat
 #pragma weak PyString_FromString
 #pragma weak PyString_FromStringAndSize
 #pragma weak PyString_Size

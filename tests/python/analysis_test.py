@@ -50,6 +50,13 @@ class Loads(AnalysisTest):
         ss.qmStaticStrength_setLoad(self.analysis, self.palm, self.vector(1, 0, 0), 1)
         self.assertEqual(ss.qmStaticStrength_getLoadType(self.analysis, self.palm), "local")
 
+    def test_kind_is_passed_on_unchanged(self):
+        ss.qmStaticStrength_setLoad(self.analysis, self.palm, self.vector(1, 0, 0), 2)
+        self.assertEqual(ss.qmStaticStrength_getLoadType(self.analysis, self.palm), "weight")
+        self.assertEqual(ss.qmStaticStrength_getSiteWeight(self.analysis, self.palm), 0.0)
+        self.assertEqual(ss.qmStaticStrength_setLoad(self.analysis, self.palm, self.vector(1, 0, 0), 5), 1)
+        self.assertEqual(ss.qmStaticStrength_getLoadType(self.analysis, self.palm), None)
+
     def test_weight_is_turned_into_a_load_along_gravity(self):
         self.assertEqual(ss.qmStaticStrength_setWeightLoad(self.analysis, self.palm, 1500), 1)
         self.assertEqual(ss.qmStaticStrength_getLoadType(self.analysis, self.palm), "weight")
@@ -111,6 +118,13 @@ class OffsetLoads(AnalysisTest):
         self.assertTrue(record.endswith("_loadWithOffset_p"))
         self.assertEqual(self.record_of(record), (self.palm, (1, 2, 3), "global", (0, -4, 0), -1.0, 0))
         self.assertTrue(ss.loadWithOffset_load_get(record).endswith("_qVector_p"))
+
+    def test_vectors_of_a_record_lie_in_the_record(self):
+        record = ss.qmStaticStrength_setLoadWithOffset(self.analysis, self.palm, self.vector(), self.vector())
+        for get in (ss.loadWithOffset_load_get, ss.loadWithOffset_offset_get):
+            self.assertEqual(get(record), get(record))
+            qc.qVector_set(get(record), 0, -9, 0)
+            self.assertEqual(qc.qVector_get(get(record)), (0, -9, 0))
 
     def test_record_of_a_local_force_says_so(self):
         record = ss.qmStaticStrength_setLoadWithOffset(self.analysis, self.palm, self.vector(), self.vector(0, 1, 0),
@@ -352,6 +366,38 @@ class WrongArguments(AnalysisTest):
         self.check_raises(TypeError, None, ss.qmStaticStrength_setStrategy, self.analysis, "0")
         self.check_raises(TypeError, None, ss.qmStaticStrength_setWeightLoad, self.analysis, self.palm, "1")
         self.check_raises(TypeError, None, ss.qmStaticStrength_activate, self.analysis, 5)
+
+    def test_every_argument_that_has_no_default_is_required(self):
+        for name, kinds, rest in POINTER_ARGUMENTS:
+            sound = tuple([self.sound(kind) for kind in kinds]) + rest
+            for count in range(len(sound)):
+                self.check_raises_beginning(TypeError, name + "() ", getattr(ss, name), *sound[:count])
+
+    def test_results_have_the_types_of_the_table(self):
+        a, palm, vector = self.analysis, self.palm, self.vector(0, -1, 0)
+        record = ss.qmStaticStrength_setLoadWithOffset(a, palm, vector, vector)
+        ss.qmStaticStrength_setWeightLoad(a, palm, 2)
+        hip = qc.qcFigure_findJoint(self.figure, "right_hip")
+        for kind, results in (
+                (int, (ss.loadWithOffset_local_get(record), ss.qmStaticStrength_getStrategy(a),
+                       ss.qmStaticStrength_getSiteLoad(a, palm, vector), ss.qmStaticStrength_getNumLoads(a),
+                       ss.qmStaticStrength_getJointForces(a, hip, vector, vector), ss.qmStaticStrength_isActive(a),
+                       ss.qmStaticStrength_deactivate(a), ss.qmStaticStrength_compute(a),
+                       ss.qmStaticStrength_setLoad(a, palm, vector), ss.qmStaticStrength_setWeightLoad(a, palm, 2),
+                       ss.qmStaticStrength_getNumLoadsWithOffset(a),
+                       ss.qmStaticStrength_setDefinedTorque(a, hip, vector),
+                       ss.qmStaticStrength_getDefinedTorque(a, hip, vector),
+                       ss.qmStaticStrength_getNumDefinedTorques(a),
+                       ss.qmStaticStrength_removeDefinedTorque(a, hip), ss.qmStaticStrength_removeLoad(a, palm),
+                       ss.qmStaticStrength_removeLoadWithOffset(a, "NULL"), ss.qmStaticStrength_reset(a))),
+                (float, (ss.qmStaticStrength_getSplitFactor(a, hip, 2, ""), ss.qmStaticStrength_getGravity(a, vector),
+                         ss.qmStaticStrength_getSiteWeight(a, palm))),
+                (str, (ss.qmStaticStrength_getHuman(a), ss.qmStaticStrength_getNthLoadSite(a, 0),
+                       ss.qmStaticStrength_getStrategyName(0), ss.qmStaticStrength_reportLoads(a, 1)))):
+            for number, result in enumerate(results):
+                self.assertEqual((number, type(result)), (number, kind))
+        record = ss.qmStaticStrength_setWeightLoadWithOffset(a, palm, vector, 2)
+        self.assertEqual(type(ss.loadWithOffset_mass_get(record)), float)
 
     def test_integer_too_large_is_refused(self):
         for huge in (2 ** 31, -2 ** 31 - 1, 2 ** 80):

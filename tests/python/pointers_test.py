@@ -70,6 +70,8 @@ class Equivalences(TestCase):
         address = array[:-len("_int_p")]
         self.assertEqual(ss.int_get(address + "_unsigned_int_p", 0), 5)
         self.assertEqual(ss.int_get(address + "_signed_int_p", 0), 5)
+        self.check_raises(TypeError, "Type error in argument 1 of double_get. Expected _double_p.",
+                          ss.double_get, address + "_unsigned_int_p", 0)
         ss.int_destroy(array)
 
     def test_rest_after_the_name_has_to_be_the_same(self):
@@ -220,6 +222,12 @@ class PointerLibrary(TestCase):
             self.assertEqual(ss.ptradd("_100" + name, 3), "_%x%s" % (0x100 + 3 * size, name))
             self.assertEqual(ss.ptradd("_100" + name, -1), "_%x%s" % (0x100 - size, name))
         self.assertEqual(ss.ptradd("_100", 3), "_103")
+        self.assertEqual(ss.ptradd("NULL", 3), "_3")
+        self.assertEqual(ss.ptradd("NULL", 0), "_0")
+        self.assertEqual(ss.ptradd("_100_unsigned_long_p", 1), "_104_unsigned_long_p")
+        self.assertEqual(ss.ptradd("_100_signed_long_p", 1), "_104_signed_long_p")
+        self.assertEqual(ss.ptradd("_100_unsigned_short_p", 1), "_102_unsigned_short_p")
+        self.assertEqual(ss.ptradd("_100_signed_short_p", 1), "_102_signed_short_p")
         self.assertEqual(ss.ptradd("_100_unsigned_int_p", 1), "_104_unsigned_int_p")
         self.assertEqual(ss.ptradd("_4_int_p", -1), "_0_int_p")
 
