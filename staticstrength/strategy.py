@@ -31,8 +31,8 @@ class Strategy(enum.IntEnum):
     def __str__(self) -> str:
         return self.text
 
-    def __format__(self, spec: str) -> str:
-        return format(self.text, spec)
+    def __format__(self, format_spec: str) -> str:
+        return format(self.text, format_spec)
 
     @classmethod
     def of(cls, strategy: Union[Strategy, str, int]) -> Strategy:
