@@ -47,6 +47,14 @@ def package_and_modules():
     return package, modules
 
 
+def test_readme_s_program_prints_what_stands_below_it(tree):
+    (program, printed), = blocks((ROOT / "README.md").read_text(encoding="utf-8"))
+    output = io.StringIO()
+    with contextlib.redirect_stdout(output):
+        exec(compile(program, "README.md", "exec"), {"__name__": "__main__"})
+    assert printed and output.getvalue() == printed
+
+
 def test_tutorial_prints_what_stands_below_each_block(tree):
     names = {"__name__": "__main__"}
     programs = list(blocks(package_and_modules()[0]))
