@@ -90,7 +90,7 @@ private:
                   + vectorText(item.segment->getCenterOfMass(), 2) + " cm, at "
                   + vectorText(item.segment->getGlobalTransform().getTranslation(), 2) + " cm\n";
         forEach<qcSite>(item.segment->getSites(), [&](qcSite* site) {
-            output += indentation + "  site " + escaped(keyOfSite(site)) + " at "
+            output += indentation + "  site " + escaped(siteKey(site)) + " at "
                       + vectorText(site->getGlobalTransform().getTranslation(), 2) + " cm\n";
         });
     }

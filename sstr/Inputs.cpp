@@ -20,12 +20,11 @@ Inputs gatherInputs(qmStaticStrength& analysis)
         if (!site || !analysis.getSiteLoad(site, force))
             continue;
         inputs.loads.push_back(
-            {keyOfSite(site), analysis.getLoadType(site), false, {}, force, analysis.getSiteWeight(site)});
+            {siteKey(site), analysis.getLoadType(site), false, {}, force, analysis.getSiteWeight(site)});
     }
     for (int i = 0; i < analysis.getNumLoadsWithOffset(); ++i) {
         const loadWithOffset* record = analysis.getNthLoadWithOffset(i);
-        inputs.loads.push_back(
-            {keyOfSite(record->site), record->type, true, record->offset, record->load, record->mass});
+        inputs.loads.push_back({siteKey(record->site), record->type, true, record->offset, record->load, record->mass});
     }
     for (int i = 0; i < analysis.getNumDefinedTorques(); ++i) {
         qcJoint* joint = analysis.getNthDefinedTorqueJoint(i);

@@ -55,11 +55,6 @@ std::size_t endingAt(const std::string& name, const char* ending)
 
 }   // namespace
 
-std::string keyOfSite(const qcSite* site)
-{
-    return std::string(site->getSegment()->getName()) + "." + site->getName();
-}
-
 std::string jointName(const qcFigure* figure, const qcJoint* joint)
 {
     return figure->findJoint(joint->getName()) == joint ? joint->getName() : joint->getFullName();
@@ -119,7 +114,7 @@ qcSite* findSite(const qcFigure* figure, const std::string& key, const std::stri
     if (qcSite* site = figure->findSiteByFullName((std::string(figure->getName()) + "." + key).c_str()))
         return site;
     std::vector<std::string> keys;
-    forEach<qcSite>(figure->getSites(), [&](const qcSite* site) { keys.push_back(keyOfSite(site)); });
+    forEach<qcSite>(figure->getSites(), [&](const qcSite* site) { keys.push_back(siteKey(site)); });
     reportError(where + ": figure " + figure->getName() + " has no site " + quoted(key) + "; expected \"segment.site\"."
                 + nearOrListed(key, keys));
     return nullptr;

@@ -1,21 +1,13 @@
 // Names: how parts of a figure are called on the command line and in output, and how they are found.
 #pragma once
 
+#include "FigureParts.h"
+
 #include "qc/qcFigure.h"
 #include "qc/qcScene.h"
 
 #include <string>
 #include <vector>
-
-/// Calls `visit` with every element of a list of Part*.
-template <class Part, class Visit> void forEach(qList* list, Visit visit)
-{
-    for (qList* node = list; node; node = qList::iterator(list, node))
-        visit(static_cast<Part*>(node->getData()));
-}
-
-/// "segment.site".
-std::string keyOfSite(const qcSite* site);
 
 /// The joint's name; its full name when the figure has another joint of that name before it.
 std::string jointName(const qcFigure* figure, const qcJoint* joint);

@@ -4,6 +4,8 @@
 
 #include "Names.h"
 
+#include "Units.h"
+
 #include <algorithm>
 
 namespace {
@@ -96,8 +98,8 @@ LegTerm Standing::weightTerm(const char* name) const
     qVector gravity;
     analysis.getGravity(gravity);
     LegTerm term{"segment weight", name};
-    term.point = centerOf(*segment);
-    term.force = weightOf(*segment, gravity);
+    term.point = centerOfMassInWorld(segment);
+    term.force = weightToLoad(gravity, segment->getMass());
     return term;
 }
 
@@ -127,7 +129,7 @@ void Standing::gather()
     qcSite* site = figure.findSiteByFullName((std::string(lowerTorso->getFullName()) + ".h_point").c_str());
     qVector load;
     if (analysis.getSiteLoad(site, load)) {
-        hPoint = LegTerm{nameOf({Contribution::kLoad, analysis.getLoadType(site), ""}), keyOfSite(site)};
+        hPoint = LegTerm{nameOf({Contribution::kLoad, analysis.getLoadType(site), ""}), siteKey(site)};
         hPoint->force = load;   // a local load too counts as it is stored
         hPoint->point = site->getGlobalTransform().getTranslation();
     }

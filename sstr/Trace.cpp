@@ -5,52 +5,19 @@
 #include "Names.h"
 #include "Walks.h"
 
+#include "FigureParts.h"
+#include "HandLoads.h"
+#include "SupportSplit.h"
+#include "Units.h"
+
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <unordered_map>
 
 namespace {
 
-constexpr float kStandardGravity = 980.665f;   // cm/s², in single precision
-constexpr double kNegligible = 0.01;           // kgf and N·m: at most this is no result
-constexpr float kPlaceholder = 0.00001f;       // N·m: stored for a negligible moment beside a force
-
-// What a split factor is asked for.
-enum { kStoredResult = 1, kSiteLoad = 2, kSegmentWeight = 3 };
-
-struct HandLoad {
-    qVector load;   // kgf
-    bool local;     // in the palm's axes
-};
-
-const char* textOf(const qcFigure& figure, const char* key, qcValue& value)
-{
-    char* text = nullptr;
-    return figure.getProperty(key, &value) && value.get(text) ? text : nullptr;
-}
-
-// One number is a vertical load, up to three are x, y, z.
-std::optional<HandLoad> handLoadOf(const qcFigure& figure, qcSide hand)
-{
-    constexpr float kNone = 7777.0f;   // as x: no load
-    qcValue value, localValue;
-    const bool right = hand == qcRight;
-    const char* text = textOf(figure, right ? "RightZelHandLoads" : "LeftZelHandLoads", value);
-    float x = kNone, y = 0.0f, z = 0.0f;
-    const int count = text ? std::sscanf(text, "%f %f %f", &x, &y, &z) : 0;
-    const qVector load = count == 1 ? qVector(0.0f, x, 0.0f) : qVector(x, y, z);
-    if (load[0] == kNone)
-        return std::nullopt;
-    const char* local = textOf(figure, right ? "RightZelHandLoadsLocal" : "LeftZelHandLoadsLocal", localValue);
-    return HandLoad{load, local && static_cast<int>(std::strtol(local, nullptr, 10)) != 0};
-}
-
-qVector positionOf(qcSite* site)
-{
-    return site->getGlobalTransform().getTranslation();
-}
+constexpr double kNegligible = 0.01;       // kgf and N·m: at most this is no result
+constexpr float kPlaceholder = 0.00001f;   // N·m: stored for a negligible moment beside a force
 
 /// Goes the walks and keeps the trace of one joint. The joints between the root of a walk and the present one
 /// stand in a list, so that the tree may be of any depth.
@@ -64,8 +31,6 @@ public:
             const loadWithOffset* record = analysis.getNthLoadWithOffset(i);
             offsetLoads[record->site].push_back(record);
         }
-        for (const qcSide hand : {qcRight, qcLeft})
-            handLoads[hand] = handLoadOf(figure, hand);
     }
 
     /// @param ownOnly  the joint's next segment by itself
@@ -110,7 +75,6 @@ private:
     qcJoint* asked;
     qVector gravity;   // cm/s²
     std::unordered_map<const qcSite*, std::vector<const loadWithOffset*>> offsetLoads;
-    std::optional<HandLoad> handLoads[2];
 
     // One walk.
     qcSegment* stop = nullptr;
@@ -244,17 +208,18 @@ void Tracer::takeJoint(Frame& frame, qcJoint* other)
 void Tracer::takeSiteLoads(Frame& frame, qcSite* site)
 {
     const auto term = [site](Contribution::Kind kind, const char* type) {
-        return Contribution{kind, type, keyOfSite(site)};
+        return Contribution{kind, type, siteKey(site)};
     };
     qVector load;
     if (analysis.getSiteLoad(site, load)) {
         const char* type = analysis.getLoadType(site);
         takeLoad(frame, term(Contribution::kLoad, type), site, load, std::strcmp(type, "local") == 0, {});
     } else if (std::strstr(site->getFullName(), "palmcenter")) {
-        const auto& hand = handLoads[std::strstr(site->getFullName(), "right") ? qcRight : qcLeft];
-        if (hand)
-            takeLoad(frame, term(Contribution::kHandLoad, hand->local ? "local" : "global"), site, hand->load,
-                     hand->local, {});
+        const qcSide hand = std::strstr(site->getFullName(), "right") ? qcRight : qcLeft;
+        const bool local = readHandLoadLocal(&figure, hand) != 0;
+        load = readHandLoad(&figure, hand);
+        if (load[0] != kNoHandLoad)
+            takeLoad(frame, term(Contribution::kHandLoad, local ? "local" : "global"), site, load, local, {});
         return;
     }
     const auto here = offsetLoads.find(site);
@@ -268,11 +233,8 @@ void Tracer::takeSiteLoads(Frame& frame, qcSite* site)
 // A local load is turned by the site's axes, its offset is not.
 void Tracer::takeLoad(Frame& frame, Contribution term, qcSite* site, qVector load, bool local, const qVector& offset)
 {
-    if (local) {
-        qMatrix rotation = site->getGlobalTransform();
-        rotation.setTranslation(qVector(0, 0, 0));
-        vecmult(&load[0], &load[0], rotation.m);
-    }
+    if (local)
+        rotateToGlobal(load, site->getGlobalTransform());
     if (frame.stops) {
         term.factor = analysis.getSplitFactor(frame.joint, kSiteLoad, site->getName());
         load.scale(term.factor);
@@ -297,7 +259,8 @@ void Tracer::takeWeight(Frame& frame)
             terms[i].moment.scale(share);
         }
     }
-    const qVector center = centerOf(*frame.segment), weight = weightOf(*frame.segment, gravity);
+    const qVector center = centerOfMassInWorld(frame.segment);
+    const qVector weight = weightToLoad(gravity, frame.segment->getMass());
     add(frame, center, weight);
     note({Contribution::kSegmentWeight, "", frame.segment->getName()}, weight, center, {});
 }
@@ -378,20 +341,6 @@ Trace traceSegment(qmStaticStrength& analysis, qcJoint* joint, qcSite* site)
 }
 
 // The factor in double, narrowed once.
-qVector weightOf(const qcSegment& segment, const qVector& gravity)
-{
-    qVector weight = gravity;
-    weight.scale(static_cast<float>(double(segment.getMass()) * 0.001 / double(kStandardGravity)));
-    return weight;
-}
-
-qVector centerOf(qcSegment& segment)
-{
-    qVector center = segment.getCenterOfMass();
-    vecmult(&center[0], &center[0], segment.getGlobalTransform().m);
-    return center;
-}
-
 bool isNegligible(const qVector& sum)
 {
     return double(sum.mag()) <= kNegligible;

@@ -61,9 +61,5 @@ Trace traceJoint(qmStaticStrength& analysis, qmStaticStrength::Strategy effectiv
 /// @param site  the joint's site on the side away from the segment
 Trace traceSegment(qmStaticStrength& analysis, qcJoint* joint, qcSite* site);
 
-/// A segment's weight along gravity, kgf, and its centre of mass in the world, cm.
-qVector weightOf(const qcSegment& segment, const qVector& gravity);
-qVector centerOf(qcSegment& segment);
-
 /// Whether a force (kgf) or a moment (N·m) is too small to be a result.
 bool isNegligible(const qVector& sum);

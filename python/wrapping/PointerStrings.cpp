@@ -92,6 +92,7 @@ private:
     static constexpr std::size_t kFirstCapacity = 64;
     static constexpr std::size_t kSlots = 8;
 
+    // By name, byte by byte: std::string compares unsigned bytes.
     void sort()
     {
         std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) { return a.name < b.name; });
@@ -135,7 +136,6 @@ private:
     std::size_t last = 0;          // the slot used last
 };
 
-// Byte by byte, as the sort of names demands: std::string compares unsigned bytes.
 TypeTable& theTable()
 {
     static TypeTable table;
