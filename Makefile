@@ -1,6 +1,6 @@
 # The everyday commands. Each installs the packages that it misses, says what it does, and may be
 # called again at any time; the work itself is in CMakePresets.json.
-.PHONY: help run test debug clang asan check bench valgrind format tidy clean
+.PHONY: help run test debug clang asan check bench comma fuzz abi abi-record valgrind format lint layout cppcheck tidy tidy-all clean
 
 INSTALL := @scripts/install-packages.sh
 say = @printf '== %s\n' '$(1)'
@@ -29,8 +29,13 @@ help:
 	@echo 'make valgrind  the tests and the examples under valgrind'
 	@echo 'make check     all of the above but valgrind'
 	@echo 'make bench     measures'
+	@echo 'make comma     the tests in a process locale with a decimal comma'
+	@echo 'make fuzz SECONDS=20   feeds the readers and the analysis arbitrary input'
+	@echo 'make abi       compares the binary interface of the libraries with its record, abi/'
+	@echo 'make abi-record makes that record anew'
 	@echo 'make format    lays out the C++ sources'
-	@echo 'make tidy      lints the C++ sources'
+	@echo 'make lint      layout, cppcheck and clang-tidy: each alone is make layout, make cppcheck, make tidy'
+	@echo 'make tidy-all  clang-tidy, the tests too'
 	@echo 'make clean     removes build/'
 	@echo
 	@echo 'What is missing is installed through apt-get first; the list is packages.txt.'
@@ -44,6 +49,12 @@ run:
 test:
 	$(INSTALL) run test
 	$(call test,release)
+
+comma:
+	$(INSTALL) run test
+	$(call build,release)
+	$(call say,Testing the preset "release" in a locale with a decimal comma)
+	@scripts/test-comma.sh -j $(shell nproc)
 
 debug:
 	$(INSTALL) run test
@@ -68,28 +79,64 @@ bench:
 	@set -e; for script in bench/*.py; do \
 	    printf '== %s\n' "$$script"; PYTHONPATH=build/bench/python /usr/bin/python3 "$$script"; done
 
-# Memory that stays reachable until the end is not a leak: the host keeps free lists.
-VALGRIND := valgrind --quiet --error-exitcode=9 --leak-check=full --errors-for-leak-kinds=definite,indirect,possible
+# How long each fuzzer runs.
+SECONDS ?= 20
+
+fuzz:
+	$(INSTALL) run check
+	$(call build,fuzz)
+	$(call say,Fuzzing for $(SECONDS) seconds each)
+	@scripts/fuzz.sh $(SECONDS)
 
 valgrind:
 	$(INSTALL) run test check
 	$(call build,debug)
-	@set -e; for program in $$(find build/debug/tests -mindepth 2 -maxdepth 2 -type f -executable -name '*Test' | sort); do \
-	    printf '== valgrind %s\n' "$$program"; $(VALGRIND) "$$program" --gtest_brief=1; done
-	@set -e; for scene in examples/*.json; do \
-	    printf '== valgrind sstr compute %s\n' "$$scene"; \
-	    $(VALGRIND) build/debug/sstr/sstr compute "$$scene" >/dev/null; done
+	@scripts/valgrind.sh
+
+abi:
+	$(INSTALL) run check
+	$(call build,abi)
+	$(call say,Comparing the binary interface with abi/)
+	@scripts/abi.sh check build/abi
+
+abi-record:
+	$(INSTALL) run check
+	$(call build,abi)
+	$(call say,Recording the binary interface in abi/)
+	@scripts/abi.sh record build/abi
 
 format:
 	$(INSTALL) check
 	$(call say,Laying out the C++ sources)
 	@git ls-files -z --cached --others --exclude-standard -- '*.cpp' '*.h' | xargs -0 clang-format -i
 
+# How each source is compiled, for the linters. They need nothing built.
+define commands
+$(INSTALL) run test bench check
+@cmake --preset lint >/dev/null
+endef
+
 tidy:
-	$(INSTALL) run test check
-	$(call build,release-clang)
-	$(call say,Linting the C++ sources)
-	@run-clang-tidy -quiet -p build/release-clang '/(host|StaticStrength|python|sstr)/[^.]*\.cpp$$'
+	$(commands)
+	$(call say,clang-tidy: the product)
+	@scripts/lint.sh tidy build/lint
+
+tidy-all:
+	$(commands)
+	$(call say,clang-tidy: the product and the tests)
+	@scripts/lint.sh tidy build/lint StaticStrength host python sstr bench fuzz tests
+
+cppcheck:
+	$(commands)
+	$(call say,cppcheck)
+	@scripts/lint.sh cppcheck build/lint
+
+layout:
+	$(INSTALL) check
+	$(call say,clang-format)
+	@scripts/lint.sh layout
+
+lint: layout cppcheck tidy
 
 clean:
 	rm -rf build

@@ -3,6 +3,7 @@
 #include "FigureParts.h"
 #include "ForceMoment.h"
 #include "MissingParts.h"
+#include "OutOfMemory.h"
 #include "Units.h"
 #include "Vectors.h"
 #include "qmStaticStrength.h"
@@ -20,9 +21,18 @@ constexpr float kKgfCmToStored = 0.01f;   // required: sitting hip moments are s
 
 int qmStaticStrength::compute()
 {
+    if (isOrphaned("compute"))
+        return 1;
+    const Strategy chosen = strategy;
+    hasMemoryFor("compute", [this] { computeBySupport(); });
+    strategy = chosen;
+    return 1;
+}
+
+void qmStaticStrength::computeBySupport()
+{
     qVector force, moment;
     segmentOnly = 0;
-    const Strategy chosen = strategy;
     strategy = calculate_split();
     switch (strategy) {
     case TwoFeet:
@@ -47,8 +57,6 @@ int qmStaticStrength::compute()
     default:   // the results of earlier computations stay
         break;
     }
-    strategy = chosen;
-    return 1;
 }
 
 // The whole upper body at the waist, and every joint above it.
@@ -82,6 +90,9 @@ void qmStaticStrength::computeSittingNoFeet(qVector& force, qVector& moment)
 // upper torso.
 void qmStaticStrength::computeHandsAndKnees(qVector& force, qVector& moment)
 {
+    MissingParts missing;   // the walks report what else they lack
+    missing.check(figure->getReferenceSite(), "the reference site", "");
+    missing.report("the shares of hands and knees are no numbers");
     walkWaist(force, moment, l5Segment);
     qcSegmentImp* pelvis = segmentOf(human->getPelvisSite());
     for (const qcSide side : {qcRight, qcLeft}) {
@@ -131,6 +142,7 @@ void qmStaticStrength::computeSitting(qVector& force, qVector& moment)
         missing.check(siteOnSegment(human->getAnkleJoint(side), lower), right ? "right" : "left",
                       " ankle on the lower leg");
     }
+    segmentOnly = 1;   // from here on, and after a refusal too
     if (missing.report("the sitting legs cannot be computed"))
         return;
     computeSittingLeg(qcRight, force, moment);
@@ -165,7 +177,6 @@ void qmStaticStrength::computeSittingLeg(qcSide side, qVector& force, qVector& m
     const qVector ankleToHip = difference(hipPos, anklePos);
     const qVector kneeToHip = difference(hipPos, kneePos);
 
-    segmentOnly = 1;
     strategy = TwoFeet;
     force = moment = qVector();
     compute_joint_forces(hip, otherSite(hip, siteOnSegment(hip, upper)), force, moment, nullptr, 0);
@@ -205,10 +216,10 @@ void qmStaticStrength::computeSittingLeg(qcSide side, qVector& force, qVector& m
     printVector("Hip Moment ", hipMoment);
 
     hipMoment.scale(kKgfCmToStored);
-    setFMonJoint(hip, hipForce, hipMoment);
+    storeResult(hip, hipForce, hipMoment);
     knee->removeProperty(kForceMomentKey);
     const qVector noMoment;
     printVector("Ankle Force", ankleForce);
     printVector("Ankle Moment ", noMoment);
-    setFMonJoint(ankle, ankleForce, noMoment);
+    storeResult(ankle, ankleForce, noMoment);
 }

@@ -5,6 +5,7 @@
 #include "HandLoads.h"
 #include "LoadValues.h"
 #include "OffsetLoadIndex.h"
+#include "OutOfMemory.h"
 #include "SavedLists.h"
 #include "SupportSplit.h"
 #include "TorqueValues.h"
@@ -13,6 +14,7 @@
 
 #include "qc/qcMessages.h"
 
+#include <cstddef>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -21,6 +23,10 @@ namespace {
 
 constexpr double kNegligible = 0.01;    // kgf and N·m: at most this is "no result"
 constexpr float kPlaceholder = 1e-5f;   // N·m: stands for a negligible moment in a stored result
+
+// A walk through a tree meets each joint once. One that meets them a thousand times on average has no end in sight.
+constexpr std::size_t kMostMeetings = 1000;
+constexpr std::size_t kMeetingsBetweenChecks = 1 << 20;   // counting the joints takes time
 
 }   // namespace
 
@@ -45,7 +51,7 @@ int decodeForceMomentValue(const qcValue& value, qVector& force, qVector& moment
     return 1;
 }
 
-int qmStaticStrength::getJointForces(qcJoint* joint, qVector& force, qVector& moment) const
+int readResult(const qcJoint* joint, qVector& force, qVector& moment)
 {
     qcValue value;
     if (joint && joint->getProperty(kForceMomentKey, &value))
@@ -54,10 +60,24 @@ int qmStaticStrength::getJointForces(qcJoint* joint, qVector& force, qVector& mo
     return 0;
 }
 
-void qmStaticStrength::setFMonJoint(qcJoint* joint, const qVector& force, const qVector& moment)
+void storeResult(qcJoint* joint, const qVector& force, const qVector& moment)
 {
     if (joint)
         joint->setProperty(kForceMomentKey, makeForceMomentValue(force, moment));
+}
+
+int qmStaticStrength::getJointForces(qcJoint* joint, qVector& force, qVector& moment) const
+{
+    if (isOrphaned("getJointForces"))
+        return readResult(nullptr, force, moment);
+    return resultOr(0, "getJointForces", [&] { return readResult(joint, force, moment); });
+}
+
+void qmStaticStrength::setFMonJoint(qcJoint* joint, const qVector& force, const qVector& moment)
+{
+    if (isOrphaned("setFMonJoint"))
+        return;
+    hasMemoryFor("setFMonJoint", [&] { storeResult(joint, force, moment); });
 }
 
 void qmStaticStrength::calcForcesAt(qVector& jointPos, qVector& point, qVector& f, qVector& sumForce,
@@ -81,7 +101,7 @@ void qmStaticStrength::special_joint_forces(qcJointImp* other, qcJointImp* joint
         force = moment = qVector();
         return;
     }
-    getJointForces(other, force, moment);
+    readResult(other, force, moment);
     force.scale(share);
     moment.scale(share);
 }
@@ -102,9 +122,9 @@ struct qmStaticStrength::Walk {
         bool stops;              // at this segment: the joints there are not walked
         qVector jointPos;        // cm
         qVector force, moment;   // sums at the joint
-        qList* site;             // the site at hand
+        qList* site = nullptr;   // the site at hand
         qVector sitePos;         // cm
-        qList* next;             // the joint at that site that comes next
+        qList* next = nullptr;   // the joint at that site that comes next
     };
 
     Walk(qmStaticStrength& owner, qcSegmentImp* stopSegment) : analysis(owner), stop(stopSegment)
@@ -138,6 +158,8 @@ private:
     }
 
     bool enter(qcJointImp* joint, qcSiteImp* site, const qVector& force, const qVector& moment);
+    bool isEndless(const qcJointImp* joint, const qcSegmentImp* beyond);
+    bool comesRound(const qcJointImp* joint, const qcSegmentImp* beyond);
     static void goToSite(Frame& frame, qList* site);
     void takeSiteLoads(Frame& frame);
     void take(Frame& frame, qcSiteImp* site, qVector load, bool local, const qVector& offset);
@@ -153,6 +175,7 @@ private:
     bool palmCentersMatter;   // false: no hand load and no load with offset, so they are sites like any other
     std::vector<Frame> frames;
     OffsetLoadIndex index;
+    std::size_t meetings = 0;   // with joints, so far
 };
 
 int qmStaticStrength::compute_joint_forces(qcJointImp* joint, qcSiteImp* site, qVector& force, qVector& moment,
@@ -215,6 +238,43 @@ int qmStaticStrength::Walk::run(qcJointImp* joint, qcSiteImp* site, qVector& for
     }
 }
 
+// Whether the walk would never end, or not before long. Figures are trees, but nothing makes a host's lists, or those
+// of a posed figure, form one.
+bool qmStaticStrength::Walk::isEndless(const qcJointImp* joint, const qcSegmentImp* beyond)
+{
+    if (comesRound(joint, beyond)) {
+        error("StaticStrength ERROR: joint %s lies beyond itself: the joints form a circle", joint->getFullName());
+        return true;
+    }
+    if (++meetings % kMeetingsBetweenChecks != 0)
+        return false;
+    std::size_t joints = 0;
+    forEach<qcJointImp>(analysis.figure->getJoints(), [&](const qcJointImp*) { ++joints; });
+    if (meetings <= kMostMeetings * joints)
+        return false;
+    error("StaticStrength ERROR: joint %s is met over and over: the joints form no tree", joint->getFullName());
+    return true;
+}
+
+// Whether the walk is on its way beyond this very joint already. Where it goes from a joint depends on nothing else, so
+// that it then goes round for ever; and so it is enough to look at one frame, the last whose number is a power of two.
+// Of the frames each of the circle's joints is left once, for the report.
+bool qmStaticStrength::Walk::comesRound(const qcJointImp* joint, const qcSegmentImp* beyond)
+{
+    std::size_t mark = 1;
+    while (mark * 2 <= frames.size())
+        mark *= 2;
+    if (frames.empty() || frames[mark - 1].joint != joint || frames[mark - 1].segment != beyond)
+        return false;
+    const auto period = static_cast<std::ptrdiff_t>(frames.size() - (mark - 1));
+    auto start = frames.begin();
+    while (frames.end() - start > period
+           && (start->joint != start[period].joint || start->segment != start[period].segment))
+        ++start;
+    frames.erase(start + period, frames.end());
+    return true;
+}
+
 // Begins the sums of a joint. Refuses a null joint or site, after a message.
 bool qmStaticStrength::Walk::enter(qcJointImp* joint, qcSiteImp* site, const qVector& force, const qVector& moment)
 {
@@ -225,6 +285,8 @@ bool qmStaticStrength::Walk::enter(qcJointImp* joint, qcSiteImp* site, const qVe
         return false;
     }
     qcSegmentImp* segment = beyond->getSegment();
+    if (isEndless(joint, segment))
+        return false;
     Frame& frame = frames.emplace_back(joint, segment, segment == stop, positionOf(site), force, moment);
 
     qcValue torqueValue;
@@ -327,7 +389,7 @@ void qmStaticStrength::Walk::store(Frame& frame)
     }
     if (noMoment)
         frame.moment.set(kPlaceholder, kPlaceholder, kPlaceholder);
-    analysis.setFMonJoint(frame.joint, frame.force, frame.moment);
+    storeResult(frame.joint, frame.force, frame.moment);
 }
 
 // Each joint on the way back to the root of the walk, by the joint whose subtree failed.

@@ -1,5 +1,6 @@
 // Lifecycle: the registry of all analyses, gravity, strategy, and the simulation callback.
 #include "FigureParts.h"
+#include "OutOfMemory.h"
 #include "StrategyNames.h"
 #include "Units.h"
 #include "qmStaticStrength.h"
@@ -13,7 +14,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <memory>
+#include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -53,6 +57,40 @@ const qmStaticStrength* binderOf(const qcCallback* callback)
     return nullptr;
 }
 
+// Ties an analysis to its figure, and to its human, which may go by itself.
+class Lifeline final : public qcRefObserver {
+public:
+    Lifeline(qcFigure* figure, qcHuman* human, qcObject* analysis)
+        : qcRefObserver(figure, analysis), ofHuman(human, analysis)
+    {}
+    bool holds() const { return getSubject() && ofHuman.getSubject(); }
+
+private:
+    qcRefObserver ofHuman;
+};
+
+// Whether figure and human are there; they are while there is no observer yet.
+bool holds(const qcRefObserver* observer)
+{
+    return !observer || static_cast<const Lifeline*>(observer)->holds();
+}
+
+struct FreeText {
+    void operator()(char* text) const { std::free(text); }
+};
+using OwnedText = std::unique_ptr<char, FreeText>;
+
+// A copy from malloc; null of null or the empty text.
+OwnedText copyOf(const char* text)
+{
+    if (!text || !*text)
+        return nullptr;
+    OwnedText copy(strdup(text));
+    if (!copy)
+        throw std::bad_alloc();
+    return copy;
+}
+
 // The result is taken before the script: a script may delete its own analysis.
 int computeAndRunScript(void* data)
 {
@@ -74,18 +112,24 @@ int strategyIndex(const char* name)
     return qmStaticStrength::N_STRS;
 }
 
-qmStaticStrength::qmStaticStrength(qcHuman* analysed)
+// Once this part is done, the destructor ends what the rest of the construction began.
+qmStaticStrength::qmStaticStrength(qcHuman* analysed, Beginning)
     : human(analysed), figure(analysed->getFigure()), gravity(0.0f, -STD_G, 0.0f),
       strategy(TwoFeet), splitFactors{0, 0, 0, 0}, l5Segment(nullptr), anthroScale(nullptr), callback(nullptr),
-      script(nullptr), observer(nullptr), offsetLoads(new std::vector<loadWithOffset*>)
+      script(nullptr), observer(nullptr), offsetLoads(nullptr)
 {
+    living().push_back(this);
+}
+
+qmStaticStrength::qmStaticStrength(qcHuman* human) : qmStaticStrength(human, Beginning())
+{
+    offsetLoads = new std::vector<loadWithOffset*>;
     setName(figure->getName());
     setFullName("static_strength", figure->getName());
-    humanInfo();
-    reset();
-    observer = new qcRefObserver(figure, this);
+    observer = new Lifeline(figure, human, this);
     qList::append(&registry, this);
-    living().push_back(this);
+    humanInfo();
+    rebuild();   // last: where memory runs out, the figure is as it was
 }
 
 qmStaticStrength::qmStaticStrength(const qmStaticStrength& other)
@@ -100,10 +144,9 @@ qmStaticStrength::qmStaticStrength(const qmStaticStrength& other)
 
 qmStaticStrength& qmStaticStrength::operator=(const qmStaticStrength& other)
 {
-    if (this == &other)
+    if (this == &other || !hasMemoryFor("operator=", [&] { qcObject::operator=(other); }))
         return *this;
     releaseOwned(&other);
-    qcObject::operator=(other);
     human = other.human;
     figure = other.figure;
     gravity = other.gravity;
@@ -141,7 +184,7 @@ void qmStaticStrength::releaseOwned(const qmStaticStrength* keeper)
         deactivate();
     if (!shared([this](const qmStaticStrength& other) { return other.observer == observer; }) && observer)
         observer->destroy();
-    if (!shared([this](const qmStaticStrength& other) { return other.offsetLoads == offsetLoads; })) {
+    if (offsetLoads && !shared([this](const qmStaticStrength& other) { return other.offsetLoads == offsetLoads; })) {
         dropOffsetLoads();
         delete offsetLoads;
     }
@@ -155,15 +198,26 @@ qmStaticStrength* qmStaticStrength::getHandle(qcHuman* human)
     const auto differs = [](int* data, void* wanted) {
         void* object = data;
         const qmStaticStrength* analysis = static_cast<qmStaticStrength*>(object);
-        return analysis->human == wanted && analysis->observer->getSubject() ? 0 : 1;
+        return analysis->human == wanted && holds(analysis->observer) ? 0 : 1;
     };
     qList* node = registry ? registry->findNode(human, differs) : nullptr;
-    return node ? static_cast<qmStaticStrength*>(node->getData()) : new qmStaticStrength(human);
+    if (node)
+        return static_cast<qmStaticStrength*>(node->getData());
+    return resultOr<qmStaticStrength*>(nullptr, "getHandle", [human] { return new qmStaticStrength(human); });
 }
 
 qcHuman* qmStaticStrength::getHuman()
 {
-    return human;
+    return holds(observer) ? human : nullptr;
+}
+
+// Whether the host has destroyed the human or the figure: nothing of them is to be touched then.
+bool qmStaticStrength::isOrphaned(const char* member) const
+{
+    if (holds(observer))
+        return false;
+    error("StaticStrength ERROR: %s: the human of %s is gone", member, getName());
+    return true;
 }
 
 int qmStaticStrength::humanInfo()
@@ -181,8 +235,12 @@ int qmStaticStrength::humanInfo()
 
 void qmStaticStrength::setGravity(const qVector& newGravity)
 {
+    if (isOrphaned("setGravity"))
+        return;
+    const qVector former = gravity;
     gravity = newGravity;
-    reset();
+    if (!hasMemoryFor("setGravity", [this] { rebuild(); }))
+        gravity = former;
 }
 
 float qmStaticStrength::getGravity(qVector& out)
@@ -193,9 +251,24 @@ float qmStaticStrength::getGravity(qVector& out)
 
 void qmStaticStrength::setStrategy(Strategy newStrategy)
 {
-    strategy = newStrategy;
-    if (const char* name = getStrategyName(newStrategy))
-        figure->setProperty(kStrategyKey, qcValue(name));
+    if (isOrphaned("setStrategy"))
+        return;
+    hasMemoryFor("setStrategy", [&] { takeStrategy(newStrategy, textOf(newStrategy)); });
+}
+
+// A strategy as the figure keeps it; empty when it has no name.
+qcValue qmStaticStrength::textOf(Strategy named)
+{
+    const char* name = getStrategyName(named);
+    return name ? qcValue(name) : qcValue();
+}
+
+// Memory runs out before anything changes, and only where the figure has no room for the property.
+void qmStaticStrength::takeStrategy(Strategy chosen, qcValue text)
+{
+    if (text.kind != qcValue::Empty)
+        figure->setProperty(kStrategyKey, std::move(text));
+    strategy = chosen;
     figure->setTimestamp();
 }
 
@@ -212,16 +285,21 @@ const char* qmStaticStrength::getStrategyName(Strategy strategy)
 int qmStaticStrength::activate(const char* newScript)
 {
     std::printf("activate callback\n");
-    if (callback)
+    if (callback || isOrphaned("activate"))
         return 0;
-    if (newScript && *newScript) {
-        std::free(script);
-        script = strdup(newScript);
-    }
-    callback = qcSim::bindCallback(kCallbackKind, kCallbackOwner, computeAndRunScript, this);
-    if (callback)
-        bindings().push_back({callback, this});
-    return 1;
+    return hasMemoryFor("activate", [&] {
+        OwnedText copy = copyOf(newScript);
+        bindings().reserve(bindings().size() + 1);
+        callback = qcSim::bindCallback(kCallbackKind, kCallbackOwner, computeAndRunScript, this);
+
+        // from here on nothing needs memory
+        if (callback)
+            bindings().push_back({callback, this});
+        if (copy) {
+            std::free(script);
+            script = copy.release();
+        }
+    });
 }
 
 // Objects that share the callback or the script lose it with this one.
@@ -252,8 +330,7 @@ int qmStaticStrength::isActive()
 
 void qmStaticStrength::run_script()
 {
-    if (!script)
-        return;
-    const std::string text = script;   // the script may replace or drop itself
-    qcPy::evalSimple(text.c_str());
+    std::string text;   // the script may replace or drop itself
+    if (script && hasMemoryFor("run_script", [&] { text = script; }))
+        qcPy::evalSimple(text.c_str());
 }

@@ -1,11 +1,14 @@
 // Load report: the loads, the strategy and gravity as text, a line a call.
 #include "LoadValues.h"
+#include "OutOfMemory.h"
 #include "PointNumbers.h"
+#include "SavedLists.h"
 #include "StrategyNames.h"
 #include "qmStaticStrength.h"
 
 #include <cstdio>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -22,32 +25,25 @@ enum Phase {
 
 char noLoads[] = "No loads.";
 
+/// How far a report has come.
+struct Place {
+    Phase phase;
+    qcValue* entry;   // the one at hand, in the copy of the list
+};
+
 /// The one report of the module, whichever analysis is asked.
 struct Report {
-    Phase phase = kOver;
-    qcValue loads;              // a copy of the figure's list: it may change between two calls
-    qcValue* entry = nullptr;   // the one at hand, in the copy
+    Place place = {kOver, nullptr};
+    qcValue loads;   // a copy of the figure's list: it may change between two calls
     char line[kLineSize];
 
-    /// Begins with the figure's loads. @return whether it has a list of them
-    bool begin(const qcFigure* figure)
+    /// Where the next call goes on.
+    Place nextPlace() const
     {
-        entry = nullptr;
-        loads.clear();
-        if (!figure->getProperty(kLoadListKey, &loads) || loads.kind != qcValue::List) {
-            phase = kGravityNext;
-            return false;
-        }
-        entry = loads.firstElement();
-        phase = kEntries;
-        return true;
-    }
-
-    void nextEntry()
-    {
-        entry = entry ? entry->next : nullptr;
-        if (!entry)
-            phase = kStrategyNext;
+        if (place.phase != kEntries)
+            return place;
+        qcValue* next = place.entry ? place.entry->next : nullptr;
+        return {next ? kEntries : kStrategyNext, next};
     }
 
     /// Writes a line around a name that others chose: one too long is cut, at the end of a character.
@@ -79,17 +75,16 @@ std::string vectorText(const qVector& v)
     return text;
 }
 
-char* writeEntry(Report& report, const qVector& gravity)
+char* writeEntry(Report& report, qcValue* entry, const qVector& gravity)
 {
     char* key;
-    qcValue* value = nullptr;
+    qcValue* made = nullptr;
     qVector load;
     int local;
     float weight;
-    const bool readable = report.entry && parseLoadEntry(*report.entry, gravity, key, &value)
-                          && decodeLoadValue(*value, load, local, &weight);
-    qcValue::destroy(value);
-    if (!readable)
+    const bool parsed = entry && parseLoadEntry(*entry, gravity, key, &made);
+    const OwnedValue value(made);
+    if (!parsed || !decodeLoadValue(*value, load, local, &weight))
         return report.write("(Error)", "", "");
     if (weight >= 0.0f) {
         char grams[80];   // the longest float has 42 characters
@@ -108,33 +103,56 @@ char* writeStrategy(Report& report, const qcFigure* figure)
     return report.write("Strategy: \"", name, "\"");
 }
 
-}   // namespace
-
-char* qmStaticStrength::reportLoads(int start)
+// Copies the figure's loads and puts the report at their beginning. @return false when there is no list of them
+bool begin(const qcFigure* figure, qcValue& loads, Place& place)
 {
-    Report& report = theReport();
-    const PointNumbers pointNumbers;
-    if (start != 0) {
-        if (!report.begin(figure))
-            return noLoads;
-    } else if (report.phase == kEntries) {
-        report.nextEntry();
-    }
+    const bool hasList = figure->getProperty(kLoadListKey, &loads) && loads.kind == qcValue::List;
+    place = {hasList ? kEntries : kGravityNext, loads.firstElement()};
+    return hasList;
+}
 
-    switch (report.phase) {
+// The line of a place, and what then comes.
+char* writeLine(Report& report, Place& place, const qcFigure* figure, const qVector& gravity)
+{
+    switch (place.phase) {
     case kEntries:
-        return writeEntry(report, gravity);
+        return writeEntry(report, place.entry, gravity);
     case kStrategyNext:
-        report.phase = kGravityNext;
+        place.phase = kGravityNext;
         return writeStrategy(report, figure);
     case kGravityNext:
-        report.phase = kGravityGiven;
+        place.phase = kGravityGiven;
         return report.write("Gravity: ", "", vectorText(gravity) + " cm/sec^2");
     case kGravityGiven:
-        report.phase = kOver;
+        place.phase = kOver;
         return nullptr;
     case kOver:
         break;
     }
     return nullptr;
+}
+
+}   // namespace
+
+// The report moves on only once the line is written, so that a line for which memory ran out is not lost.
+char* qmStaticStrength::reportLoads(int start)
+{
+    if (isOrphaned("reportLoads"))
+        return nullptr;
+    return resultOr<char*>(nullptr, "reportLoads", [&] {
+        Report& report = theReport();
+        const PointNumbers pointNumbers;
+        Place place = report.nextPlace();
+        if (start == 0) {
+            char* line = writeLine(report, place, figure, gravity);
+            report.place = place;
+            return line;
+        }
+        qcValue loads;
+        const bool hasList = begin(figure, loads, place);
+        char* line = hasList ? writeLine(report, place, figure, gravity) : noLoads;
+        report.loads = std::move(loads);   // its elements stay where they are
+        report.place = place;
+        return line;
+    });
 }

@@ -33,6 +33,9 @@ int decodeLoadValue(const qcValue& value, qVector& load, int& local, float* weig
 /// @return 1; 0 when the entry cannot be read
 int parseLoadEntry(qcValue& entry, const qVector& gravity, char*& key, qcValue** newValue);
 
+/// Reads the force on a site, as getSiteLoad() does. @throws std::bad_alloc
+int readSiteLoad(const qcSite* site, qVector& out);
+
 /// The load of a site in the world, and where it acts.
 ///
 /// Required: a local load is turned by the axes of the site's segment, not the site's own.

@@ -1,6 +1,7 @@
 // Loads: forces and weights on sites, kept on the site and in the figure's list.
 #include "FigureParts.h"
 #include "LoadValues.h"
+#include "OutOfMemory.h"
 #include "SavedLists.h"
 #include "Units.h"
 #include "qmStaticStrength.h"
@@ -8,6 +9,7 @@
 #include "qc/qcMessages.h"
 
 #include <cstring>
+#include <utility>
 
 char kGlobalText[] = "global";
 char kLocalText[] = "local";
@@ -16,6 +18,12 @@ char kWeightText[] = "weight";
 namespace {
 
 constexpr double kSmallestLoad = 1e-5;   // kgf: below this a saved load is not restored
+
+// Puts a load value on a site and into the figure's list; null takes it off.
+void storeLoad(qcSite* site, qcFigure* figure, OwnedValue value)
+{
+    storeWithEntry(site, kLoadKey, figure, kLoadListKey, siteKey(site).c_str(), std::move(value));
+}
 
 }   // namespace
 
@@ -105,74 +113,7 @@ int globalSiteLoad(qcSiteImp* site, qVector& load, qVector& point)
     return 1;
 }
 
-int qmStaticStrength::setLoad(qcSite* site, const qVector& load, int kind)
-{
-    if (!site)
-        return 0;
-    // Required: a site of another figure is taken, unlike by setWeightLoad().
-    qcValue* value = makeLoadValue(load, kind, 0.0f);
-    site->setProperty(kLoadKey, *value);
-    updateSavedList(figure, kLoadListKey, siteKey(site).c_str(), value);
-    qcValue::destroy(value);
-    return 1;
-}
-
-int qmStaticStrength::setWeightLoad(qcSite* site, float weight)
-{
-    if (!site || site->getSegment()->getFigure() != figure)
-        return 0;
-    qcValue* value = makeLoadValue(weightToLoad(gravity, weight), kWeightLoad, weight);
-    site->setProperty(kLoadKey, *value);
-    updateSavedList(figure, kLoadListKey, siteKey(site).c_str(), value);
-    qcValue::destroy(value);
-    return 1;
-}
-
-int qmStaticStrength::removeLoad(qcSite* site)
-{
-    qcValue value;
-    if (!site || !site->getProperty(kLoadKey, &value))
-        return 0;
-    site->removeProperty(kLoadKey);
-    updateSavedList(figure, kLoadListKey, siteKey(site).c_str(), nullptr);
-    return 1;
-}
-
-int qmStaticStrength::getNumLoads()
-{
-    return countSavedEntries(figure, kLoadListKey);
-}
-
-qcSite* qmStaticStrength::getNthLoadSite(int n)
-{
-    const qcValue key = nthSavedKey(figure, kLoadListKey, n);
-    char* text;
-    return key.get(text) ? findSiteByKey(figure, text) : nullptr;
-}
-
-char* qmStaticStrength::getLoadType(qcSite* site)
-{
-    qcValue value;
-    qVector load;
-    int local;
-    float weight;
-    if (!site || !site->getProperty(kLoadKey, &value) || !decodeLoadValue(value, load, local, &weight))
-        return nullptr;
-    return weight >= 0.0f ? kWeightText : local ? kLocalText : kGlobalText;
-}
-
-float qmStaticStrength::getSiteWeight(qcSite* site)
-{
-    qcValue value;
-    qVector load;
-    int local;
-    float weight;
-    if (!site || !site->getProperty(kLoadKey, &value) || !decodeLoadValue(value, load, local, &weight))
-        return -1.0f;
-    return weight;
-}
-
-int qmStaticStrength::getSiteLoad(qcSite* site, qVector& out)
+int readSiteLoad(const qcSite* site, qVector& out)
 {
     qcValue value;
     qVector load;
@@ -181,4 +122,93 @@ int qmStaticStrength::getSiteLoad(qcSite* site, qVector& out)
         return 0;
     out = load;
     return 1;
+}
+
+int qmStaticStrength::setLoad(qcSite* site, const qVector& load, int kind)
+{
+    if (isOrphaned("setLoad"))
+        return 0;
+    if (!site)
+        return 0;
+    // Required: a site of another figure is taken, unlike by setWeightLoad().
+    return hasMemoryFor("setLoad", [&] { storeLoad(site, figure, OwnedValue(makeLoadValue(load, kind, 0.0f))); });
+}
+
+int qmStaticStrength::setWeightLoad(qcSite* site, float weight)
+{
+    if (isOrphaned("setWeightLoad"))
+        return 0;
+    if (!site || site->getSegment()->getFigure() != figure)
+        return 0;
+    return hasMemoryFor("setWeightLoad", [&] {
+        storeLoad(site, figure, OwnedValue(makeLoadValue(weightToLoad(gravity, weight), kWeightLoad, weight)));
+    });
+}
+
+int qmStaticStrength::removeLoad(qcSite* site)
+{
+    if (isOrphaned("removeLoad"))
+        return 0;
+    return resultOr(0, "removeLoad", [&] {
+        qcValue value;
+        if (!site || !site->getProperty(kLoadKey, &value))
+            return 0;
+        storeLoad(site, figure, nullptr);
+        return 1;
+    });
+}
+
+int qmStaticStrength::getNumLoads()
+{
+    if (isOrphaned("getNumLoads"))
+        return 0;
+    return resultOr(0, "getNumLoads", [&] { return countSavedEntries(figure, kLoadListKey); });
+}
+
+qcSite* qmStaticStrength::getNthLoadSite(int n)
+{
+    if (isOrphaned("getNthLoadSite"))
+        return nullptr;
+    return resultOr<qcSite*>(nullptr, "getNthLoadSite", [&] {
+        const qcValue key = nthSavedKey(figure, kLoadListKey, n);
+        char* text;
+        return key.get(text) ? findSiteByKey(figure, text) : nullptr;
+    });
+}
+
+char* qmStaticStrength::getLoadType(qcSite* site)
+{
+    if (isOrphaned("getLoadType"))
+        return nullptr;
+    return resultOr<char*>(nullptr, "getLoadType", [&]() -> char* {
+        qcValue value;
+        qVector load;
+        int local;
+        float weight;
+        if (!site || !site->getProperty(kLoadKey, &value) || !decodeLoadValue(value, load, local, &weight))
+            return nullptr;
+        return weight >= 0.0f ? kWeightText : local ? kLocalText : kGlobalText;
+    });
+}
+
+float qmStaticStrength::getSiteWeight(qcSite* site)
+{
+    if (isOrphaned("getSiteWeight"))
+        return -1.0f;
+    return resultOr(-1.0f, "getSiteWeight", [&] {
+        qcValue value;
+        qVector load;
+        int local;
+        float weight;
+        if (!site || !site->getProperty(kLoadKey, &value) || !decodeLoadValue(value, load, local, &weight))
+            return -1.0f;
+        return weight;
+    });
+}
+
+int qmStaticStrength::getSiteLoad(qcSite* site, qVector& out)
+{
+    if (isOrphaned("getSiteLoad"))
+        return 0;
+    return resultOr(0, "getSiteLoad", [&] { return readSiteLoad(site, out); });
 }

@@ -3,6 +3,8 @@
 // The load above the ankles is balanced about each ankle. The signs of the two moments tell whether
 // one foot or both carry it; then it is shared between the legs. The feet themselves enter no sum.
 #include "FigureParts.h"
+#include "ForceMoment.h"
+#include "LoadValues.h"
 #include "MissingParts.h"
 #include "Units.h"
 #include "Vectors.h"
@@ -61,7 +63,7 @@ Weight weightOf(qcSegmentImp* segment, const qVector& gravity)
 }
 
 // Finds every part. @return false, after an error message that names all that is missing
-bool gather(qmStaticStrength& analysis, qcHuman& human, const qVector& gravity, Body& body)
+bool gather(qcHuman& human, const qVector& gravity, Body& body)
 {
     MissingParts missing;
     const qcFigure& figure = *human.getFigure();
@@ -96,9 +98,9 @@ bool gather(qmStaticStrength& analysis, qcHuman& human, const qVector& gravity, 
                           weightOf(upper[side], gravity), weightOf(lower[side], gravity)};
     body.waistPos = positionOf(waist);
     body.waistForce = body.waistMoment = qVector();
-    analysis.getJointForces(human.getWaistJoint(), body.waistForce, body.waistMoment);
+    readResult(human.getWaistJoint(), body.waistForce, body.waistMoment);
     body.hPointLoad = qVector();
-    body.hasHPointLoad = analysis.getSiteLoad(hPoint, body.hPointLoad) != 0;
+    body.hasHPointLoad = readSiteLoad(hPoint, body.hPointLoad) != 0;
     body.hPointPos = positionOf(hPoint);
     body.across = proximal->getGlobalTransform().getAxis(0);
     return true;
@@ -146,8 +148,8 @@ void standOnOneFoot(qmStaticStrength& analysis, const Body& body, qcSide side, c
 {
     const Leg& leg = body.leg[side];
     const Leg& hanging = body.leg[side == qcRight ? qcLeft : qcRight];
-    analysis.setFMonJoint(leg.ankle, atAnkle.force, atAnkle.moment);
-    analysis.setFMonJoint(hanging.ankle, qVector(), qVector());
+    storeResult(leg.ankle, atAnkle.force, atAnkle.moment);
+    storeResult(hanging.ankle, qVector(), qVector());
 
     Sum sum{body.waistForce + body.torso.force, body.waistMoment};
     qVector discarded;
@@ -155,17 +157,17 @@ void standOnOneFoot(qmStaticStrength& analysis, const Body& body, qcSide side, c
         qVector force = sum.force;
         analysis.calcForcesAt(to, from, force, discarded, sum.moment);
     };
-    analysis.setFMonJoint(leg.hip, sum.force, sum.moment);
+    storeResult(leg.hip, sum.force, sum.moment);
     transfer(leg.hipPos, leg.kneePos);
     sum.add(analysis, leg.upper.force, leg.upper.center, leg.kneePos);
-    analysis.setFMonJoint(leg.knee, sum.force, sum.moment);
+    storeResult(leg.knee, sum.force, sum.moment);
 
     sum = Sum();
     sum.add(analysis, hanging.lower.force, hanging.lower.center, hanging.kneePos);
-    analysis.setFMonJoint(hanging.knee, sum.force, sum.moment);
+    storeResult(hanging.knee, sum.force, sum.moment);
     transfer(hanging.kneePos, hanging.hipPos);
     sum.add(analysis, hanging.upper.force, hanging.upper.center, hanging.hipPos);
-    analysis.setFMonJoint(hanging.hip, sum.force, sum.moment);
+    storeResult(hanging.hip, sum.force, sum.moment);
 }
 
 /// What one leg carries when both feet stand.
@@ -258,11 +260,11 @@ void standOnBothFeet(qmStaticStrength& analysis, const Body& body, const Sum& ab
 
     const qVector rightAnkleForce = difference(difference(aboutRight.force, F1), F3);
     const qVector rightAnkleMoment = scaled(MR + scaled(crossProduct(F1 + F3, d), kMomentPerKgfCm), r);
-    analysis.setFMonJoint(right.ankle, rightAnkleForce, rightAnkleMoment);
+    storeResult(right.ankle, rightAnkleForce, rightAnkleMoment);
 
     const qVector leftAnkleForce = difference(difference(aboutLeft.force, F2), F4);
     const qVector leftAnkleMoment = scaled(ML + scaled(scaled(crossProduct(F2 + F4, d), -1.0f), kMomentPerKgfCm), q);
-    analysis.setFMonJoint(left.ankle, leftAnkleForce, leftAnkleMoment);
+    storeResult(left.ankle, leftAnkleForce, leftAnkleMoment);
 
     Shared onRight = shareOf(body, qcRight, r);
     Shared onLeft = shareOf(body, qcLeft, q);
@@ -275,10 +277,10 @@ void standOnBothFeet(qmStaticStrength& analysis, const Body& body, const Sum& ab
     const float leftScale = scaleToAnkle(leftAnkleForce, onLeft, body.hasHPointLoad);
     LegResult rightResult = hipAndKnee(analysis, right, onRight, rightScale, body.hasHPointLoad, n, down);
     LegResult leftResult = hipAndKnee(analysis, left, onLeft, leftScale, body.hasHPointLoad, n, down);
-    analysis.setFMonJoint(left.hip, leftResult.hip.force, leftResult.hip.moment);
-    analysis.setFMonJoint(left.knee, leftResult.knee.force, leftResult.knee.moment);
-    analysis.setFMonJoint(right.hip, rightResult.hip.force, rightResult.hip.moment);
-    analysis.setFMonJoint(right.knee, rightResult.knee.force, rightResult.knee.moment);
+    storeResult(left.hip, leftResult.hip.force, leftResult.hip.moment);
+    storeResult(left.knee, leftResult.knee.force, leftResult.knee.moment);
+    storeResult(right.hip, rightResult.hip.force, rightResult.hip.moment);
+    storeResult(right.knee, rightResult.knee.force, rightResult.knee.moment);
 }
 
 }   // namespace
@@ -286,7 +288,7 @@ void standOnBothFeet(qmStaticStrength& analysis, const Body& body, const Sum& ab
 void qmStaticStrength::calcLowerBodyFM_URmethod()
 {
     Body body;
-    if (!gather(*this, *human, gravity, body))
+    if (!gather(*human, gravity, body))
         return;
     const Sum aboutRight = balanceAbout(*this, body, qcRight);
     const Sum aboutLeft = balanceAbout(*this, body, qcLeft);

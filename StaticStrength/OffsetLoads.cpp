@@ -2,13 +2,15 @@
 #include "FigureParts.h"
 #include "LoadValues.h"
 #include "OffsetLoadKeys.h"
-#include "SavedLists.h"
+#include "OffsetLoadLists.h"
+#include "OutOfMemory.h"
 #include "Units.h"
 #include "qmStaticStrength.h"
 
 #include <algorithm>
 #include <cstring>
-#include <unordered_map>
+#include <iterator>
+#include <memory>
 #include <utility>
 
 namespace {
@@ -25,33 +27,92 @@ void appendRecord(ListBuilder& entry, const loadWithOffset& record)
 
 }   // namespace
 
+OffsetLoadLists::OffsetLoadLists(qcFigure* ofFigure, const std::vector<loadWithOffset*>& records) : figure(ofFigure)
+{
+    ListBuilder figureElements;
+    for (const loadWithOffset* record : records) {
+        ListBuilder figureEntry;
+        figureEntry.append(siteKey(record->site).c_str());
+        appendRecord(figureEntry, *record);
+        figureElements.append(figureEntry.newList());
+
+        const auto [list, isNew] = siteLists.try_emplace(record->site);
+        if (isNew)
+            sites.push_back(record->site);
+        ListBuilder siteEntry;
+        appendRecord(siteEntry, *record);
+        list->second.append(siteEntry.newList());
+    }
+    if (!records.empty())
+        figureElements.moveInto(figureList);
+
+    room.take(figure, kOffsetLoadListKey);
+    for (qcSite* site : sites)
+        room.take(site, kSiteOffsetLoadsKey);
+}
+
+void OffsetLoadLists::store()
+{
+    room.keep();
+    figure->setProperty(kOffsetLoadListKey, std::move(figureList));
+    for (qcSite* site : sites) {
+        qcValue siteValue;
+        siteLists.find(site)->second.moveInto(siteValue);
+        site->setProperty(kSiteOffsetLoadsKey, std::move(siteValue));
+    }
+}
+
 loadWithOffset* qmStaticStrength::setLoadWithOffset(qcSite* site, const qVector& offset, const qVector& load, int local)
 {
+    if (isOrphaned("setLoadWithOffset"))
+        return nullptr;
     if (!site)
         return nullptr;
-    offsetLoads->push_back(new loadWithOffset{site, offset, local ? kLocalText : kGlobalText, load, -1.0f, local != 0});
-    saveOffsetLoads();
-    return offsetLoads->back();
+    return resultOr<loadWithOffset*>(nullptr, "setLoadWithOffset", [&] {
+        return addOffsetLoad({site, offset, local ? kLocalText : kGlobalText, load, -1.0f, local != 0});
+    });
 }
 
 loadWithOffset* qmStaticStrength::setWeightLoadWithOffset(qcSite* site, const qVector& offset, float weight)
 {
+    if (isOrphaned("setWeightLoadWithOffset"))
+        return nullptr;
     if (!site || site->getSegment()->getFigure() != figure)
         return nullptr;
-    offsetLoads->push_back(new loadWithOffset{site, offset, kWeightText, weightToLoad(gravity, weight), weight, false});
-    saveOffsetLoads();
-    return offsetLoads->back();
+    return resultOr<loadWithOffset*>(nullptr, "setWeightLoadWithOffset", [&] {
+        return addOffsetLoad({site, offset, kWeightText, weightToLoad(gravity, weight), weight, false});
+    });
 }
 
 int qmStaticStrength::removeLoadWithOffset(loadWithOffset* record)
 {
-    const auto end = std::remove(offsetLoads->begin(), offsetLoads->end(), record);
-    if (!record || end == offsetLoads->end())
+    if (isOrphaned("removeLoadWithOffset"))
         return 0;
-    offsetLoads->erase(end, offsetLoads->end());
-    delete record;
-    saveOffsetLoads();
-    return 1;
+    if (std::find(offsetLoads->begin(), offsetLoads->end(), record) == offsetLoads->end())
+        return 0;
+    return hasMemoryFor("removeLoadWithOffset", [&] {
+        std::vector<loadWithOffset*> others;
+        std::remove_copy(offsetLoads->begin(), offsetLoads->end(), std::back_inserter(others), record);
+        replaceOffsetLoads(others);
+        delete record;
+    });
+}
+
+loadWithOffset* qmStaticStrength::addOffsetLoad(const loadWithOffset& added)
+{
+    auto record = std::make_unique<loadWithOffset>(added);
+    std::vector<loadWithOffset*> records = *offsetLoads;
+    records.push_back(record.get());
+    replaceOffsetLoads(records);
+    return record.release();
+}
+
+// Takes a list of records over and writes it out; memory that runs out leaves records and properties as they were.
+void qmStaticStrength::replaceOffsetLoads(std::vector<loadWithOffset*>& records)
+{
+    OffsetLoadLists lists(figure, records);
+    offsetLoads->swap(records);
+    lists.store();
 }
 
 loadWithOffset* qmStaticStrength::getNthLoadWithOffset(int n) const
@@ -70,37 +131,6 @@ void qmStaticStrength::dropOffsetLoads()
     for (loadWithOffset* record : *offsetLoads)
         delete record;
     offsetLoads->clear();
-}
-
-// Required: a site that has no record any more keeps its property as it was, until clear().
-void qmStaticStrength::saveOffsetLoads()
-{
-    ListBuilder figureList;
-    std::vector<qcSite*> sites;   // in the order of their first record
-    std::unordered_map<qcSite*, ListBuilder> siteLists;
-    for (const loadWithOffset* record : *offsetLoads) {
-        ListBuilder figureEntry;
-        figureEntry.append(siteKey(record->site).c_str());
-        appendRecord(figureEntry, *record);
-        figureList.append(figureEntry.newList());
-
-        const auto [list, isNew] = siteLists.try_emplace(record->site);
-        if (isNew)
-            sites.push_back(record->site);
-        ListBuilder siteEntry;
-        appendRecord(siteEntry, *record);
-        list->second.append(siteEntry.newList());
-    }
-
-    qcValue value;
-    if (!offsetLoads->empty())
-        figureList.moveInto(value);
-    figure->setProperty(kOffsetLoadListKey, std::move(value));
-    for (qcSite* site : sites) {
-        qcValue siteValue;
-        siteLists[site].moveInto(siteValue);
-        site->setProperty(kSiteOffsetLoadsKey, std::move(siteValue));
-    }
 }
 
 loadWithOffset* qmStaticStrength::parseOffsetLoadEntry(qcValue& entry) const

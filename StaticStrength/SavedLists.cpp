@@ -1,6 +1,8 @@
 // Saved lists.
 #include "SavedLists.h"
 
+#include "PropertyRoom.h"
+
 #include <cstring>
 #include <utility>
 
@@ -38,21 +40,15 @@ void replaceElements(qcValue* entry, const qcValue* list)
 
 qcValue* newEntry(const char* key, const qcValue* list)
 {
-    qcValue* entry = new qcValue;
+    OwnedValue entry(new qcValue);
     entry->setList(new qcValue(key));
     linkCopies(entry->firstElement(), list);
-    return entry;
+    return entry.release();
 }
 
-}   // namespace
-
-void updateSavedList(qcFigure* figure, const char* listName, const char* key, const qcValue* value)
+// Sets or removes the entry of a key. @return whether the list changed
+bool updateEntry(qcValue& list, const char* key, const qcValue* value)
 {
-    // what is there but no list counts as an empty list
-    qcValue list;
-    if (!figure->getProperty(listName, &list) || list.kind != qcValue::List)
-        list.setList(nullptr);
-
     qcValue** link = linkToEntry(&list.payload.first, key);
     qcValue* entry = *link;
     if (value && entry) {
@@ -63,12 +59,46 @@ void updateSavedList(qcFigure* figure, const char* listName, const char* key, co
         *link = std::exchange(entry->next, nullptr);
         freeval(entry);
     } else {
-        return;
+        return false;
+    }
+    return true;
+}
+
+// The first entry of a saved list as it stands, without a copy: whoever asks for each entry in turn would copy the
+// list as often. Null without one.
+const qcValue* firstEntry(const qcFigure* figure, const char* listName)
+{
+    for (int i = 0; i < figure->getNumProperties(); ++i)
+        if (std::strcmp(figure->getPropertyKey(i), listName) == 0)
+            return figure->getPropertyValue(i).firstElement();
+    return nullptr;
+}
+
+}   // namespace
+
+void storeWithEntry(qcObject* part, const char* partProperty, qcFigure* figure, const char* listName, const char* key,
+                    OwnedValue value)
+{
+    // what is there but no list counts as an empty list
+    qcValue list;
+    if (!figure->getProperty(listName, &list) || list.kind != qcValue::List)
+        list.setList(nullptr);
+    const bool changed = updateEntry(list, key, value.get());
+    PropertyRoom room;
+    if (value) {
+        room.take(part, partProperty);
+        room.take(figure, listName);
     }
 
-    if (list.firstElement())
-        figure->setProperty(listName, std::move(list));
+    // from here on nothing needs memory
+    room.keep();
+    if (value)
+        part->setProperty(partProperty, std::move(*value));
     else
+        part->removeProperty(partProperty);
+    if (changed && list.firstElement())
+        figure->setProperty(listName, std::move(list));
+    else if (changed)
         figure->removeProperty(listName);
 }
 
@@ -105,13 +135,10 @@ int countSavedEntries(const qcFigure* figure, const char* listName)
 
 qcValue nthSavedKey(const qcFigure* figure, const char* listName, int n)
 {
-    qcValue list;
-    qcValue key;
-    if (!figure->getProperty(listName, &list))
-        return key;
-    const qcValue* entry = list.firstElement();
+    const qcValue* entry = firstEntry(figure, listName);
     for (; entry && n > 0; --n)
         entry = entry->next;
+    qcValue key;
     char* text;
     if (entry && entry->firstElement() && entry->firstElement()->get(text))
         key.set(text);

@@ -4,8 +4,15 @@
 #include "qc/qcFigure.h"
 #include "qc/qcValue.h"
 
+#include <memory>
 #include <string>
 #include <unordered_map>
+
+/// A value made with `new`, destroyed on every path.
+struct DestroyValue {
+    void operator()(qcValue* value) const { qcValue::destroy(value); }
+};
+using OwnedValue = std::unique_ptr<qcValue, DestroyValue>;
 
 /// Reads a vector value. @param value  null counts as none
 /// @return 1; 0 when it is no vector, `out` is then left as it was
@@ -62,17 +69,20 @@ private:
     qcValue** link = &first;
 };
 
-/// Sets or removes the entry of one key in a list property of the figure.
+/// Stores a value on a part and as the entry of one key in a list property of the figure, or removes both. Memory
+/// that runs out (std::bad_alloc) leaves both as they were.
 ///
 /// An entry is a list whose first element is the key's text, followed by the elements of a value. A
 /// set replaces what follows the key of an entry that is there, in its place, or appends a new entry.
 /// The property goes with its last entry. Elements of any other shape are kept and passed over.
 ///
-/// @param value  a list value, copied; null removes the entry
-void updateSavedList(qcFigure* figure, const char* listName, const char* key, const qcValue* value);
+/// @param part          gets the value first, under `partProperty`
+/// @param value         a list value; null removes
+void storeWithEntry(qcObject* part, const char* partProperty, qcFigure* figure, const char* listName, const char* key,
+                    OwnedValue value);
 
 /// Builds a list property anew, an entry a key, in time linear in the entries. The result is that of
-/// updateSavedList() for each in turn: equal keys share the place of the first and the value of the last.
+/// storeWithEntry() for each in turn: equal keys share the place of the first and the value of the last.
 class RestoredList {
 public:
     RestoredList() = default;
@@ -80,7 +90,8 @@ public:
     /// @param value  a list value, copied
     void set(const char* key, const qcValue& value);
 
-    /// Stores the list on the figure; an empty one is no property.
+    /// Stores the list on the figure; an empty one is no property. Needs memory only where the figure has no
+    /// room for the property.
     void storeOn(qcFigure* figure, const char* listName);
 
 private:

@@ -148,5 +148,7 @@ float qmStaticStrength::get_split_factor(qcJointImp* joint, int mode, const char
 
 float qmStaticStrength::getSplitFactor(qcJoint* joint, int mode, const char* name)
 {
+    if (isOrphaned("getSplitFactor"))
+        return 0.0f;
     return get_split_factor(joint, mode, name);
 }

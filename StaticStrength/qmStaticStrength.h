@@ -11,6 +11,13 @@
 //   results     what the body beyond a joint puts on it, not the reaction to it
 //   ownership   host objects are borrowed; the object owns its script, observer and offset loads
 //   failure     1 success, 0 failure, or a null pointer; nothing throws
+//   memory      a member that lacks it reports "StaticStrength ERROR: out of memory in " and its name, gives its
+//               failure value, leaves outputs alone and everything as it was: records, lists and properties agree.
+//               Only compute() keeps what it has stored so far. clear(), deactivate() and the destructor need none.
+//               A constructor throws std::bad_alloc, as `new` does, and what it had entered and bound is gone
+//   gone        once the host has destroyed the human or its figure, the analysis can be asked for what it keeps
+//               itself, deactivated and deleted. All else reports "StaticStrength ERROR: ", the member's name and
+//               ": the human of NAME is gone", gives its failure value (compute() its 1) and touches nothing
 //   threads     one: module-wide state is not guarded
 //
 // What an analysis is told and what it computes lives in properties of the figure, its sites and its
@@ -71,10 +78,10 @@ public:
     /// Leaves the registry, unbinds the callback and frees what the object owns. The properties stay.
     ~qmStaticStrength() override;
 
-    /// The human's analysis, made on first request; null for a null human.
+    /// The human's analysis, made on first request; null for a null human, or when there is no memory for it.
     static qmStaticStrength* getHandle(qcHuman* human);
 
-    /// The human analysed.
+    /// The human analysed; null once it is gone.
     qcHuman* getHuman();
 
     /// Sets gravity and resets, so that every weight is converted anew: results are gone, and records of
@@ -97,7 +104,7 @@ public:
 
     /// Computes on every simulation step, and then runs a script.
     /// @param newScript  Python source, copied; null or empty: none
-    /// @return 1; 0 when already active, the given script is then ignored
+    /// @return 1; 0 when already active or without memory, the given script is then ignored
     int activate(const char* newScript);
 
     /// Ends what activate() began and drops the script. @return 1
@@ -198,7 +205,8 @@ public:
 
     /// Rebuilds everything from the figure's saved lists: weights are converted with the present
     /// gravity, results are gone. Entries that cannot be read, or whose site or joint this figure does not
-    /// have, are dropped, with a warning for loads and torques.
+    /// have, are dropped, with a warning for loads and torques. Memory that runs out is met before anything
+    /// changes: lists, records and results stay whole, and a later reset restores all of it.
     /// @return 1 when at least one of the three lists was there and restored whole, else 0
     int reset();
 
@@ -224,7 +232,8 @@ public:
 
     /// Analyses the human in its present posture and leaves the results on the joints. Joints that the
     /// strategy does not reach keep what they had.
-    /// @return 1, always: what fails is reported through error()
+    /// @return 1, always: what fails is reported through error(). Where memory runs out, the joints up to there
+    ///         have their new results and the others keep what they had
     int compute();
 
     // ---- Results --------------------------------------------------------------------------------
@@ -261,8 +270,13 @@ public:
     float getSplitFactor(qcJoint* joint, int mode, const char* name);
 
 private:
+    struct Beginning {};
+    qmStaticStrength(qcHuman* analysed, Beginning);
     int humanInfo();
+    bool isOrphaned(const char* member) const;
     void releaseOwned(const qmStaticStrength* keeper);
+    static qcValue textOf(Strategy named);
+    void takeStrategy(Strategy chosen, qcValue text);
 
     // Split: who carries how much.
     Strategy calculate_split();
@@ -272,6 +286,7 @@ private:
     float get_split_factor(qcJointImp* joint, int mode, const char* name);
 
     // Walks.
+    void computeBySupport();
     int compute_joint_forces(qcJointImp* joint, qcSiteImp* site, qVector& force, qVector& moment, qcSegmentImp* stop,
                              int accumulate);
     void special_joint_forces(qcJointImp* other, qcJointImp* joint, qVector& force, qVector& moment);
@@ -297,11 +312,13 @@ private:
                               qVector& outMoment, qVector& outPoint);
 
     // Restoring from the kept lists.
-    int restoreLoads(qcValue& list);
-    int restoreTorques(const qcValue& list);
-    int restoreOffsetLoads(qcValue& list);
-    void saveOffsetLoads();
+    int rebuild();
+    void readOffsetLoads(qcValue& list, std::vector<loadWithOffset*>& records) const;
     loadWithOffset* parseOffsetLoadEntry(qcValue& entry) const;
+
+    // Records of loads with offsets.
+    loadWithOffset* addOffsetLoad(const loadWithOffset& added);
+    void replaceOffsetLoads(std::vector<loadWithOffset*>& records);
     void dropOffsetLoads();
 
     // The order of the fields is part of the interface.

@@ -232,7 +232,11 @@ PyObject* newQmStaticStrength(PyObject*, PyObject* args)
     Object<qcHuman> human;
     if (!PyArg_ParseTuple(args, "s:new_qmStaticStrength", &human.text) || !decode("new_qmStaticStrength", human))
         return nullptr;
-    return pointerToPython(new qmStaticStrength(human));
+    auto analysis = std::make_unique<qmStaticStrength>(human);
+    PyObject* result = pointerToPython(analysis.get());
+    if (result)
+        (void)analysis.release();   // Python's from now on
+    return result;
 }
 
 }   // namespace functions

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 namespace arrays {
 
@@ -32,6 +33,12 @@ template <> inline void destroy<char*>(char** array)
         std::free(*entry);
     std::free(array);
 }
+
+struct Destroy {
+    template <class T> void operator()(T* array) const { destroy(array); }
+};
+/// An array of one's own; null after a failure.
+template <class T> using Owned = std::unique_ptr<T, Destroy>;
 
 /// Puts a copy of a text in place of an entry's; an empty or null one becomes a null entry.
 /// @return false, the entry as it was, when there is no memory

@@ -2,6 +2,19 @@
 #include "AnalysisTypes.h"
 #include "Functions.h"
 
+namespace {
+
+// A record that was just made. Without memory for its name the load is taken back.
+PyObject* newRecordToPython(qmStaticStrength& analysis, loadWithOffset* record)
+{
+    PyObject* result = pointerToPython(record);
+    if (!result)
+        analysis.removeLoadWithOffset(record);   // null too
+    return result;
+}
+
+}   // namespace
+
 namespace functions {
 
 // qmStaticStrength_getSiteLoad(analysis, site, load) -> 1 and the load written, or 0
@@ -138,7 +151,7 @@ PyObject* setLoadWithOffset(PyObject*, PyObject* args)
                           &load.text, &local)
         || !decode("qmStaticStrength_setLoadWithOffset", analysis, site, offset, load))
         return nullptr;
-    return pointerToPython(analysis->setLoadWithOffset(site, *offset, *load, local));
+    return newRecordToPython(*analysis.object, analysis->setLoadWithOffset(site, *offset, *load, local));
 }
 
 // qmStaticStrength_setWeightLoadWithOffset(analysis, site, offset, grams) -> the record; cm
@@ -152,7 +165,7 @@ PyObject* setWeightLoadWithOffset(PyObject*, PyObject* args)
                           &offset.text, &weight)
         || !decode("qmStaticStrength_setWeightLoadWithOffset", analysis, site, offset))
         return nullptr;
-    return pointerToPython(analysis->setWeightLoadWithOffset(site, *offset, weight));
+    return newRecordToPython(*analysis.object, analysis->setWeightLoadWithOffset(site, *offset, weight));
 }
 
 // qmStaticStrength_getDefinedTorque(analysis, joint, torque) -> 1 and the torque written, N·m, or 0

@@ -78,7 +78,7 @@ bool setText(void* array, int i, PyObject* value)
 {
     const char* text = PyStr_AsString(value);
     if (text && !arrays::setText(static_cast<char**>(array)[i], text))
-        PyErr_SetString(PyExc_MemoryError, "Out of memory.");
+        outOfMemory();
     return !PyErr_Occurred();
 }
 
@@ -191,16 +191,17 @@ PyObject* ptrcreate(PyObject*, PyObject* args)
     if (!element)
         return refuse("Unable to create unknown datatype.");
     void* array = element->make(n);
-    if (!array) {
+    bool filled = array != nullptr;
+    for (int i = 0; value && filled && i < n; ++i)
+        filled = element->set(array, i, value);
+    PyObject* result = filled ? addressToPython(array, element->pointerType) : nullptr;
+    if (result)
+        return result;
+    if (array)
+        element->destroy(array);
+    if (!array || PyErr_ExceptionMatches(PyExc_MemoryError))
         PyErr_SetString(PyExc_MemoryError, "Out of memory in swig_create.");
-        return nullptr;
-    }
-    for (int i = 0; value && i < n; ++i)
-        if (!element->set(array, i, value)) {
-            element->destroy(array);
-            return nullptr;
-        }
-    return toPython(pointers::encode(array, element->pointerType));
+    return nullptr;
 }
 
 // ptrset(pointer, value, i=0, type) -> None, the value stored as element i

@@ -36,12 +36,13 @@ template <class T> T* arrayOf(const char* function, Pointer<T>& array)
 
 template <class T> PyObject* make(int n)
 {
-    T* array = arrays::make<T>(n);
-    if (!array) {
-        PyErr_SetString(PyExc_MemoryError, "Out of memory.");
-        return nullptr;
-    }
-    return pointerToPython(array);
+    arrays::Owned<T> array(arrays::make<T>(n));
+    if (!array)
+        return outOfMemory();
+    PyObject* result = pointerToPython(array.get());
+    if (result)
+        (void)array.release();   // Python's from now on
+    return result;   // NOLINT(clang-analyzer-unix.Malloc): by its text Python has the array, which is thus no leak
 }
 
 template <class T> PyObject* get(const char* function, const char* format, PyObject* args)
@@ -60,8 +61,10 @@ template <class T> PyObject* set(const char* function, const char* format, PyObj
     T value;
     if (!PyArg_ParseTuple(args, format, &array.text, &i, &value) || !arrayOf(function, array))
         return nullptr;
-    array.object[i] = value;
-    return toPython(value);
+    PyObject* result = toPython(value);   // first: without memory for it the array stays as it was
+    if (result)
+        array.object[i] = value;
+    return result;
 }
 
 template <class T> PyObject* destroy(const char* function, const char* format, PyObject* args)
@@ -90,11 +93,10 @@ PyObject* stringSet(PyObject*, PyObject* args)
     char* text;
     if (!PyArg_ParseTuple(args, "sis:string_set", &array.text, &i, &text) || !arrayOf("string_set", array))
         return nullptr;
-    if (!arrays::setText(array.object[i], text)) {
-        PyErr_SetString(PyExc_MemoryError, "Out of memory.");
+    Reference result(toPython(text));   // first: without memory for it the array stays as it was
+    if (!result)
         return nullptr;
-    }
-    return toPython(text);
+    return arrays::setText(array.object[i], text) ? result.release() : outOfMemory();
 }
 PyObject* stringGet(PyObject*, PyObject* args)
 {

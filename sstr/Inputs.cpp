@@ -14,7 +14,7 @@ Inputs gatherInputs(qmStaticStrength& analysis)
     analysis.getGravity(inputs.gravity);
     inputs.strategy = strategyText(analysis.getStrategy());
 
-    for (int i = 0; i < analysis.getNumLoads(); ++i) {
+    for (int i = 0, count = analysis.getNumLoads(); i < count; ++i) {
         qcSite* site = analysis.getNthLoadSite(i);
         qVector force;
         if (!site || !analysis.getSiteLoad(site, force))
@@ -26,7 +26,7 @@ Inputs gatherInputs(qmStaticStrength& analysis)
         const loadWithOffset* record = analysis.getNthLoadWithOffset(i);
         inputs.loads.push_back({siteKey(record->site), record->type, true, record->offset, record->load, record->mass});
     }
-    for (int i = 0; i < analysis.getNumDefinedTorques(); ++i) {
+    for (int i = 0, count = analysis.getNumDefinedTorques(); i < count; ++i) {
         qcJoint* joint = analysis.getNthDefinedTorqueJoint(i);
         qVector moment;
         if (joint && analysis.getDefinedTorque(joint, moment))

@@ -20,10 +20,8 @@ void say(const char* kind, std::string text)
 
 void fromHost(qcMessageKind kind, const char* text, void*)
 {
-    if (kind == qcError)
-        reportError(text);
-    else
-        reportWarning(text);
+    errors += kind == qcError ? 1 : 0;   // first: it counts even where memory for its line runs out
+    say(kind == qcError ? "error: " : "warning: ", text);
 }
 
 }   // namespace
@@ -74,5 +72,10 @@ std::string escaped(const std::string& text)
 std::string quoted(const std::string& text)
 {
     constexpr std::size_t kLongest = 80;
-    return "\"" + escaped(text.substr(0, kLongest)) + (text.size() > kLongest ? "…\"" : "\"");
+    if (text.size() <= kLongest)
+        return "\"" + escaped(text) + "\"";
+    std::size_t end = kLongest;
+    for (int i = 0; i < 3 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u; ++i)
+        --end;   // a character of UTF-8 has at most three bytes that go on with it
+    return "\"" + escaped(text.substr(0, end)) + "…\"";
 }

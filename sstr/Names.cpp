@@ -71,6 +71,8 @@ std::string didYouMean(const std::string& wrong, const std::vector<std::string>&
     const std::string sought = lowerCase(wrong);
     std::vector<std::pair<std::size_t, std::string>> near;
     for (const std::string& name : names) {
+        if (name.size() > kLongest)
+            continue;
         const std::string known = lowerCase(name);
         const std::size_t distance = 2 * editDistance(sought, known);
         const bool contains = sought.size() > 2 && known.find(sought) != std::string::npos;

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-/// Cells are laid out in columns as wide as their widest cell. Texts are UTF-8; their control
-/// characters come out as \xNN.
+/// Cells are laid out in columns as wide as their widest cell, but no wider than 100 characters: a longer cell
+/// moves what follows it in its line. Texts are UTF-8; their control characters come out as \xNN.
 class Table {
 public:
     enum Align { kLeft, kRight };

@@ -2,7 +2,9 @@
 #include "Commands.h"
 #include "Messages.h"
 
+#include <cstdio>
 #include <exception>
+#include <new>
 
 namespace {
 
@@ -35,7 +37,10 @@ int main(int argc, char** argv)
         if (const std::optional<int> status = readCommandLine(argc, argv, line))
             return *status;
         return run(line);
-    } catch (const std::exception& problem) {   // such as memory that runs out
+    } catch (const std::bad_alloc&) {
+        std::fputs("sstr: error: there is not enough memory.\n", stderr);   // needs none itself
+        return kNotComputed;
+    } catch (const std::exception& problem) {
         reportError(problem.what());
         return kWrongInput;
     }

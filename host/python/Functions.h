@@ -1,12 +1,9 @@
 // Functions: everything that the module's table lists.
 #pragma once
 
-#include "wrapping/PyCompat.h"
+#include "wrapping/Wrapping.h"
 
 namespace functions {
-
-/// A function of the module. @param  the module or null; the argument tuple
-using PyFunction = PyObject*(PyObject*, PyObject*);
 
 // VectorFunctions.cpp
 PyFunction newQVector, deleteQVector, vectorGet, vectorSet;

@@ -6,7 +6,7 @@
 
 #include "qc/qcMessages.h"
 
-#include <deque>
+#include <list>
 #include <string>
 
 namespace {
@@ -18,17 +18,19 @@ struct Message {
     std::string text;
 };
 
-std::deque<Message>& kept()
+// A list: moving messages in and out needs no memory.
+std::list<Message>& kept()
 {
-    static auto* all = new std::deque<Message>;   // never destroyed: messages come to the very end
+    static auto* all = new std::list<Message>;   // never destroyed: messages come to the very end
     return *all;
 }
 
 // Shows the oldest message as the host does without a sink.
 void showOldest()
 {
-    const Message message = kept().front();
-    kept().pop_front();
+    std::list<Message> oldest;
+    oldest.splice(oldest.begin(), kept(), kept().begin());
+    const Message& message = oldest.front();
     if (message.kind == qcError)
         error("%s", message.text.c_str());
     else
@@ -66,7 +68,7 @@ PyObject* messagesTake(PyObject*, PyObject* args)
 {
     if (!PyArg_ParseTuple(args, ":qcMessages_take"))
         return nullptr;
-    std::deque<Message> taken;
+    std::list<Message> taken;
     taken.swap(kept());   // new ones may come while Python makes objects
     Reference list(PyList_New(0));
     bool whole = list != nullptr;
@@ -75,7 +77,7 @@ PyObject* messagesTake(PyObject*, PyObject* args)
                        Py_BuildValue("(sN)", message->kind == qcError ? "error" : "warning", toPython(message->text)));
     if (whole)
         return list.release();
-    kept().insert(kept().begin(), taken.begin(), taken.end());
+    kept().splice(kept().begin(), taken);
     return nullptr;
 }
 

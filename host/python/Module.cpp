@@ -5,30 +5,7 @@
 #include "Results.h"
 #include "Scripts.h"
 
-#include <exception>
-#include <new>
-
 namespace {
-
-using functions::PyFunction;
-
-// A function of the table: no exception of the host's crosses into the interpreter.
-template <PyFunction* function> PyObject* guarded(PyObject* module, PyObject* args)
-{
-    try {
-        return function(module, args);
-    } catch (const std::bad_alloc&) {
-        return PyErr_NoMemory();
-    } catch (const std::exception& problem) {
-        PyErr_SetString(PyExc_RuntimeError, problem.what());
-        return nullptr;
-    }
-}
-
-template <PyFunction* function> PyMethodDef row(const char* name, const char* documentation)
-{
-    return {name, guarded<function>, METH_VARARGS, documentation};
-}
 
 PyMethodDef table[] = {
     row<functions::newQVector>("new_qVector", "(x, y, z) -> a new vector"),
@@ -167,12 +144,16 @@ bool serveHost()
 {
     if (servesHost)
         return true;
+    try {
+        registerObjectTypes();
+    } catch (const std::exception&) {
+        return toPythonException() != nullptr;
+    }
     if (Py_AtExit(leaveHost) != 0) {
         PyErr_SetString(PyExc_ImportError, "libqcc cannot be told when the interpreter ends: too many modules are.");
         return false;
     }
     servesHost = true;
-    registerObjectTypes();
     messages::keep();
     scripts::serve();
     return true;
@@ -185,5 +166,5 @@ DECLARE_MODULE_INIT(libqcc);
 MODULE_INIT_FUNC(libqcc)
 {
     PyObject* module = PyModule_Create(&definition);
-    return module && serveHost() ? module : nullptr;
+    return module && serveHost() ? module : pyDropModule(module);
 }

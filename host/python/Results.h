@@ -7,14 +7,6 @@
 #include "qc/qMatrix.h"
 #include "qc/qVector.h"
 
-#include <memory>
-
-struct ReleaseReference {
-    void operator()(PyObject* object) const { Py_DECREF(object); }
-};
-/// A reference of one's own; null after a failure.
-using Reference = std::unique_ptr<PyObject, ReleaseReference>;
-
 /// A tuple of three floats.
 PyObject* toPython(const qVector& vector);
 

@@ -16,9 +16,13 @@ std::unordered_set<const qcScene*>& openScenes()
 // Hands a scene, null too, over to Python.
 PyObject* opened(std::unique_ptr<qcScene> scene)
 {
+    Reference result(pointerToPython(scene.get()));
+    if (!result)
+        return nullptr;
     if (scene)
         openScenes().insert(scene.get());
-    return pointerToPython(scene.release());
+    (void)scene.release();   // Python's from now on
+    return result.release();
 }
 
 // Decodes the scene, a function's first argument. @return false with an exception set

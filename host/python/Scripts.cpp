@@ -6,6 +6,7 @@
 #include "qc/qcMessages.h"
 #include "qc/qcPy.h"
 
+#include <new>
 #include <string>
 #include <utility>
 
@@ -85,13 +86,18 @@ void reportException()
     PyErr_NormalizeException(&type, &value, &trace);
     const Reference ownedType(type), ownedValue(value), ownedTrace(trace);
 
-    std::string text = describe(type, value, trace);
-    PyErr_Clear();
-    if (text.empty()) {   // as when there is no memory or stack left to do more
-        text = PyType_Check(type) ? reinterpret_cast<PyTypeObject*>(type)->tp_name : "an exception";
-        text += " in a script; no traceback can be made of it\n";
+    std::string text;
+    try {
+        text = describe(type, value, trace);
+    } catch (const std::bad_alloc&) {
+        text.clear();
     }
-    error("%s", text.c_str());
+    PyErr_Clear();
+    if (text.empty())   // as when there is no memory or stack left to do more
+        error("%s in a script; no traceback can be made of it\n",
+              PyType_Check(type) ? reinterpret_cast<PyTypeObject*>(type)->tp_name : "an exception");
+    else
+        error("%s", text.c_str());
 }
 
 // @return 1; 0 after an error message
@@ -100,11 +106,15 @@ int runScript(const char* source, void*)
     if (!Py_IsInitialized())
         return error("cannot run a script: the Python interpreter has ended.");
     const Lock lock;
-    const Reference result(run(source));
-    if (result)
-        return 1;
-    reportException();
-    return 0;
+    try {
+        const Reference result(run(source));
+        if (result)
+            return 1;
+        reportException();
+        return 0;
+    } catch (const std::bad_alloc&) {   // the host calls this: nothing may be thrown
+        return error("cannot run a script: out of memory.");
+    }
 }
 
 }   // namespace

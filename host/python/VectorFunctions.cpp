@@ -35,8 +35,12 @@ PyObject* newQVector(PyObject*, PyObject* args)
         || !toComponents("new_qVector", 1, numbers, components))
         return nullptr;
     auto vector = std::make_unique<qVector>(components[0], components[1], components[2]);
+    Reference result(pointerToPython(vector.get()));
+    if (!result)
+        return nullptr;
     madeVectors().insert(vector.get());
-    return pointerToPython(vector.release());
+    (void)vector.release();   // Python's from now on
+    return result.release();
 }
 
 // delete_qVector(vector) -> None; nothing for "NULL"

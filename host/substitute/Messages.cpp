@@ -3,32 +3,51 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <string>
+#include <cstring>
+#include <memory>
+#include <new>
 
 namespace {
 
 qcMessages::Sink currentSink = nullptr;
 void* currentSinkData = nullptr;
 
-std::string formatted(const char* format, va_list arguments)
+constexpr std::size_t kUsualLength = 1024;   // bytes with the final zero: a longer text takes memory from the heap
+
+// A sink that lacks the memory to keep a text must not lose it.
+bool tellSink(qcMessageKind kind, const char* text)
+{
+    if (!currentSink)
+        return false;
+    try {
+        currentSink(kind, text, currentSinkData);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+void deliver(qcMessageKind kind, const char* text)
+{
+    if (tellSink(kind, text))
+        return;
+    const std::size_t length = std::strlen(text);
+    const bool endsLine = length > 0 && text[length - 1] == '\n';
+    std::fprintf(stderr, "%s: %s%s", kind == qcError ? "error" : "warning", text, endsLine ? "" : "\n");
+}
+
+void report(qcMessageKind kind, const char* format, va_list arguments)
 {
     va_list again;
     va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, arguments);
-    std::string text(static_cast<std::size_t>(length < 0 ? 0 : length), '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, again);
+    char usual[kUsualLength] = "";
+    const int length = std::vsnprintf(usual, sizeof usual, format, arguments);
+    const std::size_t size = length < 0 ? 1 : static_cast<std::size_t>(length) + 1;
+    const std::unique_ptr<char[]> whole(size > sizeof usual ? new (std::nothrow) char[size] : nullptr);
+    if (whole)
+        std::vsnprintf(whole.get(), size, format, again);
     va_end(again);
-    return text;
-}
-
-void deliver(qcMessageKind kind, const std::string& text)
-{
-    if (currentSink) {
-        currentSink(kind, text.c_str(), currentSinkData);
-        return;
-    }
-    const bool endsLine = !text.empty() && text.back() == '\n';
-    std::fprintf(stderr, "%s: %s%s", kind == qcError ? "error" : "warning", text.c_str(), endsLine ? "" : "\n");
+    deliver(kind, whole ? whole.get() : usual);
 }
 
 }   // namespace
@@ -37,7 +56,7 @@ int error(const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    deliver(qcError, formatted(format, arguments));
+    report(qcError, format, arguments);
     va_end(arguments);
     return 0;
 }
@@ -46,7 +65,7 @@ int warning(const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    deliver(qcWarning, formatted(format, arguments));
+    report(qcWarning, format, arguments);
     va_end(arguments);
     return 0;
 }

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <deque>
+#include <memory>
 #include <string_view>
 #include <unordered_set>
 
@@ -13,20 +13,51 @@ namespace {
 // One copy of every key that was ever stored; the copies live as long as the process.
 const char* internedKey(const char* key)
 {
-    static auto* texts = new std::deque<std::string>;   // never destroyed: objects may outlive them
-    static auto* keys = new std::unordered_set<std::string_view>;
-    const auto known = keys->find(key);
+    static auto* keys = new std::unordered_set<std::string_view>;   // never destroyed: objects may outlive it
+    const std::string_view wanted(key);
+    const auto known = keys->find(wanted);
     if (known != keys->end())
         return known->data();
-    texts->emplace_back(key);
-    keys->insert(texts->back());
-    return texts->back().c_str();
+    auto copy = std::make_unique<char[]>(wanted.size() + 1);   // ends with a zero
+    wanted.copy(copy.get(), wanted.size());
+    keys->emplace(copy.get(), wanted.size());
+    return copy.release();
 }
 
 long newStamp()
 {
     static long stamp = 0;
     return ++stamp;
+}
+
+// A subject telling its observers, which may come and go meanwhile. It needs no memory, so that it cannot fail.
+struct Round {
+    const qcSubject* subject;
+    std::size_t next;   // whose turn it is next
+    std::size_t end;    // behind the last who was attached when the round began
+    Round* outer;       // an observer may begin another round
+};
+
+Round* rounds = nullptr;
+
+// In progress while it lives.
+class RoundInProgress : public Round {
+public:
+    RoundInProgress(const qcSubject* told, std::size_t count) : Round{told, 0, count, rounds} { rounds = this; }
+    ~RoundInProgress() { rounds = outer; }
+    RoundInProgress(const RoundInProgress&) = delete;
+    RoundInProgress& operator=(const RoundInProgress&) = delete;
+};
+
+// An observer has left its place: those behind it have moved up.
+void closeGap(const qcSubject* subject, std::size_t place)
+{
+    for (Round* round = rounds; round; round = round->outer) {
+        if (round->subject != subject)
+            continue;
+        round->next -= place < round->next ? 1 : 0;
+        round->end -= place < round->end ? 1 : 0;
+    }
 }
 
 }   // namespace
@@ -42,6 +73,7 @@ void qcSubject::notifyDestroyed()
     while (!observers.empty()) {   // an observer may detach or destroy others while it is told
         qcObserver* observer = observers.front();
         observers.erase(observers.begin());
+        closeGap(this, 0);
         observer->update(qcDestroyed);
     }
 }
@@ -54,20 +86,35 @@ void qcSubject::attach(qcObserver* observer, updateProtocol)
 
 void qcSubject::detach(qcObserver* observer)
 {
-    observers.erase(std::remove(observers.begin(), observers.end(), observer), observers.end());
+    const auto found = std::find(observers.begin(), observers.end(), observer);
+    if (found == observers.end())
+        return;
+    const std::size_t place = static_cast<std::size_t>(found - observers.begin());
+    observers.erase(found);
+    closeGap(this, place);
 }
 
 void qcSubject::notify(updateProtocol protocol)
 {
-    const std::vector<qcObserver*> told = observers;   // an observer may leave while it is told
-    for (qcObserver* observer : told)
-        if (std::find(observers.begin(), observers.end(), observer) != observers.end())
-            observer->update(protocol);
+    RoundInProgress round(this, observers.size());
+    while (round.next < round.end)
+        observers[round.next++]->update(protocol);
 }
 
 int qcSubject::invalid()
 {
     return beingDestroyed ? 1 : 0;
+}
+
+qcObject& qcObject::operator=(const qcObject& other)
+{
+    qcObject copy(other);   // first: what memory runs out for leaves this object as it was
+    qcSubject::operator=(other);
+    name.swap(copy.name);
+    fullName.swap(copy.fullName);
+    properties.swap(copy.properties);
+    timestamp = copy.timestamp;
+    return *this;
 }
 
 qcObject::~qcObject()

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 class qcCallback {
@@ -27,7 +28,7 @@ std::vector<std::unique_ptr<qcCallback>>& callbacks()
 }
 
 std::vector<int> lastResults;
-int runningSteps = 0;   // a callback may itself step the simulation
+int runningSteps = 0;   // steps within steps
 
 void sweepHusks()
 {
@@ -36,6 +37,19 @@ void sweepHusks()
         if (!all[i - 1]->bound)
             all.erase(all.begin() + static_cast<std::ptrdiff_t>(i - 1));
 }
+
+// In progress while it lives; a callback may itself step the simulation.
+class StepInProgress {
+public:
+    StepInProgress() { ++runningSteps; }
+    ~StepInProgress()
+    {
+        if (--runningSteps == 0)
+            sweepHusks();
+    }
+    StepInProgress(const StepInProgress&) = delete;
+    StepInProgress& operator=(const StepInProgress&) = delete;
+};
 
 const qcCallback* nthBound(int n)
 {
@@ -71,10 +85,11 @@ int qcSim::step(int steps)
 {
     int calls = 0;
     lastResults.clear();
-    ++runningSteps;
+    const StepInProgress inProgress;
     for (int n = 0; n < steps; ++n) {
         std::vector<int> results;
         const std::size_t boundBefore = callbacks().size();
+        results.reserve(boundBefore);   // first: memory that runs out stops the simulation before a callback runs
         for (std::size_t i = 0; i < boundBefore; ++i) {
             const qcCallback* callback = callbacks()[i].get();
             if (!callback->bound || callback->kind != kSimulationKind)
@@ -82,10 +97,8 @@ int qcSim::step(int steps)
             results.push_back(callback->function(callback->data));
             ++calls;
         }
-        lastResults = results;
+        lastResults = std::move(results);
     }
-    if (--runningSteps == 0)
-        sweepHusks();
     return calls;
 }
 

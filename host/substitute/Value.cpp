@@ -5,7 +5,10 @@
 
 #include <charconv>
 #include <cstring>
+#include <new>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -17,17 +20,6 @@ char* copyText(const char* text)
     char* copy = ValuePool::takeText(size);
     std::memcpy(copy, text, size);
     return copy;
-}
-
-qcValue* copyChain(const qcValue* value)
-{
-    qcValue* first = nullptr;
-    qcValue** link = &first;
-    for (; value; value = value->next) {
-        *link = new qcValue(*value);
-        link = &(*link)->next;
-    }
-    return first;
 }
 
 // Frees a chain and all that hangs in it, without recursion: the elements of a list are put in
@@ -49,6 +41,41 @@ void freeChain(qcValue* pending)
     }
 }
 
+// A list's copy that still lacks its elements: a value that looks empty, with this where its content will be.
+struct Waiting {
+    const qcValue* elements;   // what is to be copied
+    qcValue* next;             // the next one that waits
+};
+static_assert(sizeof(Waiting) <= sizeof(qcValue::Payload));
+
+// Copies a chain and all that hangs in it, without recursion and in no other memory than the copies'. Memory that
+// runs out on the way frees what was copied so far.
+qcValue* copyChain(const qcValue* source)
+{
+    qcValue whole;   // a list of the chain, which owns the copies
+    qcValue* waiting = nullptr;
+    for (qcValue* list = &whole;;) {
+        list->setList(nullptr);
+        qcValue** link = &list->payload.first;
+        for (; source; source = source->next) {
+            qcValue* copy = *link = new qcValue;
+            link = &copy->next;
+            if (source->kind == qcValue::List) {
+                new (&copy->payload) Waiting{source->payload.first, waiting};
+                waiting = copy;
+            } else {
+                *copy = *source;
+            }
+        }
+        if (!waiting)
+            return std::exchange(whole.payload.first, nullptr);
+        list = waiting;
+        const Waiting next = *std::launder(reinterpret_cast<Waiting*>(&list->payload));
+        source = next.elements;
+        waiting = next.next;
+    }
+}
+
 void appendNumber(std::string& text, float number)
 {
     char digits[32];
@@ -56,7 +83,8 @@ void appendNumber(std::string& text, float number)
     text.append(digits, end.ptr);
 }
 
-void appendText(std::string& text, const qcValue& value)
+// A value that has no elements.
+void appendPlain(std::string& text, const qcValue& value)
 {
     switch (value.kind) {
     case qcValue::Float:
@@ -74,17 +102,33 @@ void appendText(std::string& text, const qcValue& value)
         }
         text.append(")");
         break;
-    case qcValue::List:
-        text.append("(");
-        for (const qcValue* element = value.payload.first; element; element = element->next) {
-            if (element != value.payload.first)
-                text.append(" ");
-            appendText(text, *element);
-        }
-        text.append(")");
-        break;
     default:
         text.append("()");
+    }
+}
+
+// Without recursion: the lists that the value at hand lies in stand in a list of their own.
+void appendText(std::string& text, const qcValue& value)
+{
+    std::vector<const qcValue*> open;
+    const qcValue* at = &value;
+    for (;;) {
+        if (const qcValue* first = at->firstElement()) {
+            text.append("(");
+            open.push_back(at);
+            at = first;
+            continue;
+        }
+        appendPlain(text, *at);
+        while (!open.empty() && !at->next) {
+            text.append(")");
+            at = open.back();
+            open.pop_back();
+        }
+        if (open.empty())
+            return;
+        text.append(" ");
+        at = at->next;
     }
 }
 
@@ -229,7 +273,7 @@ void* qcValue::newMemory(std::size_t size)
 
 void qcValue::operator delete(void* memory, std::size_t size)
 {
-    if (!ValuePool::kRecycles || size != sizeof(qcValue)) {
+    if (!ValuePool::recycles || size != sizeof(qcValue)) {
         ::operator delete(memory);
         return;
     }

@@ -3,6 +3,8 @@
 
 #include "qc/qcValue.h"
 
+#include <cstdlib>
+#include <cstring>
 #include <new>
 
 #ifdef QC_POOL_IS_HEAP
@@ -25,17 +27,32 @@ void ValuePool::giveText(char* memory, std::size_t)
 
 #else
 
+bool ValuePool::recycles = false;
+
 namespace {
+
+bool heapIsAskedFor()
+{
+    static const bool asked = [] {
+        const char* wanted = std::getenv("QC_VALUE_MEMORY");
+        return wanted && std::strcmp(wanted, "heap") == 0;
+    }();
+    return asked;
+}
 
 // A free list of blocks of one size, which grows by whole chunks.
 class BlockPool {
 public:
     explicit constexpr BlockPool(std::size_t size) : blockSize(size) {}
 
-    void* take()
+    // `size`: at most the blocks' own; what is asked of the heap when there is no pool
+    void* take(std::size_t size)
     {
-        if (!firstFree)
+        if (!firstFree) {   // as ever without a pool
+            if (heapIsAskedFor())
+                return ::operator new(size);
             grow();
+        }
         FreeBlock* block = firstFree;
         firstFree = block->next;
         return block;
@@ -61,6 +78,7 @@ private:
     void grow()
     {
         char* memory = static_cast<char*>(::operator new(sizeof(Chunk) + kBlocksPerChunk * blockSize));
+        ValuePool::recycles = true;
         Chunk* chunk = reinterpret_cast<Chunk*>(memory);
         chunk->next = chunks;   // keeps every chunk reachable
         chunks = chunk;
@@ -84,26 +102,25 @@ BlockPool longTexts(kLongText);
 
 void* ValuePool::takeValue()
 {
-    return values.take();
+    return values.take(sizeof(qcValue));
 }
 
 char* ValuePool::takeText(std::size_t size)
 {
     if (size <= kShortText)
-        return static_cast<char*>(shortTexts.take());
+        return static_cast<char*>(shortTexts.take(size));
     if (size <= kLongText)
-        return static_cast<char*>(longTexts.take());
+        return static_cast<char*>(longTexts.take(size));
     return static_cast<char*>(::operator new(size));
 }
 
 void ValuePool::giveText(char* memory, std::size_t size)
 {
-    if (size <= kShortText)
-        shortTexts.give(memory);
-    else if (size <= kLongText)
-        longTexts.give(memory);
-    else
-        ::operator delete(memory);
+    if (recycles && size <= kShortText)
+        return shortTexts.give(memory);
+    if (recycles && size <= kLongText)
+        return longTexts.give(memory);
+    ::operator delete(memory);
 }
 
 #endif

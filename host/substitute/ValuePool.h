@@ -1,4 +1,8 @@
 // Value pool: recycled memory for values and short texts, so that storing results again costs no heap allocation.
+//
+// With QC_VALUE_MEMORY=heap in the environment every value and text is a block of the heap's own, so that a heap
+// checker or a counting allocator sees each one; anything else means the pool. It is read once, when the first
+// value or text asks for memory. Under the address sanitizer it is always the heap.
 #pragma once
 
 #include <cstddef>
@@ -14,14 +18,15 @@
 
 namespace ValuePool {
 
-/// Whether values and texts are recycled; else they are the heap's own.
+/// Whether what is given back is recycled; else it is freed. Known once there is something to give back.
 #ifdef QC_POOL_IS_HEAP
-constexpr bool kRecycles = false;
+constexpr bool recycles = false;
 #else
-constexpr bool kRecycles = true;
+extern __attribute__((visibility("hidden"))) bool recycles;   // reached without a table
 #endif
 
 /// New memory for one value. Whoever recycles values keeps them; else ::operator delete frees it.
+/// @throws std::bad_alloc, as takeText() does
 void* takeValue();
 
 /// Memory for a text of `size` bytes, its final zero included; the same size gives it back.

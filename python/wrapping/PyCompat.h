@@ -13,12 +13,14 @@
 // names are weak. Inside an interpreter they are there. A test looks through the library's symbols.
 #pragma weak PyArg_ParseTuple
 #pragma weak PyDict_SetItemString
+#pragma weak PyErr_ExceptionMatches
 #pragma weak PyErr_Format
 #pragma weak PyErr_Occurred
 #pragma weak PyErr_SetString
 #pragma weak PyExc_MemoryError
 #pragma weak PyExc_NameError
 #pragma weak PyExc_OverflowError
+#pragma weak PyExc_RuntimeError
 #pragma weak PyExc_TypeError
 #pragma weak PyExc_ValueError
 #pragma weak PyFloat_AsDouble
@@ -61,6 +63,17 @@
 #define DECLARE_MODULE_INIT(name) extern "C" __attribute__((visibility("default"))) void init##name()
 #endif
 // NOLINTEND(bugprone-macro-parentheses)
+
+/// Gives up a module that could not be initialised; null too. @return null
+inline PyObject* pyDropModule(PyObject* module)
+{
+#if PY_MAJOR_VERSION >= 3
+    Py_XDECREF(module);
+#else
+    (void)module;   // the interpreter's
+#endif
+    return nullptr;
+}
 
 /// Whether an object is an integer of any width.
 inline bool pyIsInteger(PyObject* object)

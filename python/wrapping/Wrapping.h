@@ -17,6 +17,39 @@
 #include "PointerStrings.h"
 
 #include <cstring>
+#include <exception>
+#include <memory>
+
+/// A function of a module. @param  the module or null; the argument tuple
+using PyFunction = PyObject*(PyObject*, PyObject*);
+
+/// Sets a MemoryError. @return null
+PyObject* outOfMemory();
+
+/// Sets the Python exception for the C++ one that is being handled: MemoryError or RuntimeError. @return null
+PyObject* toPythonException();
+
+/// A function of a module's table: no exception crosses into the interpreter, which would end the process.
+template <PyFunction* function> PyObject* guarded(PyObject* module, PyObject* args)
+{
+    try {
+        return function(module, args);
+    } catch (const std::exception&) {
+        return toPythonException();
+    }
+}
+
+/// A row of a module's table.
+template <PyFunction* function> constexpr PyMethodDef row(const char* name, const char* documentation)
+{
+    return {name, guarded<function>, METH_VARARGS, documentation};
+}
+
+struct ReleaseReference {
+    void operator()(PyObject* object) const { Py_DECREF(object); }
+};
+/// A reference of one's own; null after a failure.
+using Reference = std::unique_ptr<PyObject, ReleaseReference>;
 
 /// The type name in pointer strings to a T; each module says it for its own types.
 template <class T> const char* pointerType();
@@ -90,8 +123,12 @@ inline PyObject* toPython(const std::string& text)
 {
     return pyText(text.data(), text.size());
 }
-/// The pointer string of an object.
+/// The pointer string of an address; null with an exception set. Throws nothing.
+PyObject* addressToPython(const void* address, const char* typeName);
+
+/// The pointer string of an object; null with an exception set. Throws nothing, so that what was made for
+/// Python can be given back when its name cannot be made.
 template <class T> PyObject* pointerToPython(const T* object)
 {
-    return toPython(pointers::encode(object, pointerType<T>()));
+    return addressToPython(object, pointerType<T>());
 }

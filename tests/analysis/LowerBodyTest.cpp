@@ -20,7 +20,6 @@
 #include <limits>
 #include <tuple>
 
-using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -521,11 +520,9 @@ TEST_F(LowerBody, FeetOneBeforeTheOther)
 
 TEST_F(LowerBody, TheFeetsMassesChangeNoResult)
 {
-    for (const SmallFigure& body : {smallBody("one"), [] {
-                                        SmallFigure both = smallBody("both");
-                                        compareAboutForwardAxis(both);
-                                        return both;
-                                    }()}) {
+    SmallFigure both = smallBody("both");
+    compareAboutForwardAxis(both);
+    for (const SmallFigure& body : {smallBody("one"), both}) {
         load(body);
         legs({3, -30, 5}, {1, 2, 4});
         const std::string before = bitsOfSix();

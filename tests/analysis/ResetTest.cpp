@@ -9,7 +9,6 @@
 
 using ::testing::ElementsAre;
 using ::testing::FloatEq;
-using ::testing::IsEmpty;
 
 namespace {
 
@@ -439,7 +438,6 @@ TEST_F(Reset, TorqueEntriesThatDoNotParseAreDroppedEachWithAWarning)
                                       torqueEntry("elbow"),
                                       torqueEntry("Wrist"),
                                       torqueEntry("man.wrist")};
-    std::vector<std::string> warnings;
     for (const qcValue& entry : bad) {
         save(kTorques, list({entry, torqueEntry("neck")}));
         EXPECT_EQ(analysis->reset(), 0) << describe(entry);
@@ -484,7 +482,7 @@ TEST_F(Reset, ReturnsOneWhenAtLeastOneListWasRestoredWhole)
                 save(keys[i], good[i]);
             if (state[i] == 2)
                 save(keys[i], bad);
-            warnings += state[i] == 2 && i < 2;
+            warnings += i < 2 && state[i] == 2;
         }
         const int expected = state[0] == 1 || state[1] == 1 || state[2] != 0;
         EXPECT_EQ(analysis->reset(), expected) << state[0] << state[1] << state[2];

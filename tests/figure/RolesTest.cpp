@@ -110,7 +110,7 @@ TEST_F(UrdfTest, WithoutARolesFileEveryRoleIsMissing)
 
 TEST_F(UrdfTest, ARolesFileBesideTheModelIsFound)
 {
-    const std::string beside = folder.write("model.roles.json", R"({"rename_links": {"P": "pelvis"}})");
+    folder.write("model.roles.json", R"({"rename_links": {"P": "pelvis"}})");
     const auto figure = read(kLeg);
     ASSERT_NE(figure, nullptr);
     EXPECT_NE(figure->findSegment("pelvis"), nullptr);

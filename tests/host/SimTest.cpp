@@ -229,6 +229,22 @@ TEST_F(Sim, ACallbackMayUnbindOthersBeforeAndAfterIt)
     EXPECT_THAT(calls, ElementsAre("a", "b", "d", "b", "d"));
 }
 
+TEST_F(Sim, ACallbackMayUnbindAllAndBindNewOnes)
+{
+    bind("a");
+    Bound* b = bind("b");
+    bind("c");
+    b->action = [&] {
+        for (const auto& each : bound)
+            qcSim::unbindCallback(each->handle);
+        bind("new");   // a store that reused the places would run it in this step
+    };
+    EXPECT_EQ(qcSim::step(1), 2);
+    EXPECT_THAT(owners(), ElementsAre("new"));
+    EXPECT_EQ(qcSim::step(1), 1);
+    EXPECT_THAT(calls, ElementsAre("a", "b", "new"));
+}
+
 TEST_F(Sim, OneBoundDuringAStepRunsFromTheNextStepOn)
 {
     Bound* a = bind("a");

@@ -46,4 +46,33 @@ foreach(program IN LISTS programs)
   must_succeed("Running ${program}" ${program})
 endforeach()
 
+# Every public member of the analysis is called from another module.
+must_succeed("Looking for members that no other module calls"
+  ${PYTHON} ${FOREIGN_DIR}/../members_called.py ${WORK_DIR}/moved/${INCLUDEDIR}/qmStaticStrength.h
+  ${WORK_DIR}/moved/${LIBDIR}/libqmSSTRc.so ${WORK_DIR}/build/libother_module.so ${FOREIGN_DIR}/module.cpp)
+
+# The same without CMake: the compiler, the headers and the two libraries are enough, with all warnings.
+separate_arguments(flags UNIX_COMMAND "${CXX_FLAGS} -std=c++17 -Wall -Wextra -Wpedantic -Werror")
+list(APPEND flags -I ${WORK_DIR}/moved/${INCLUDEDIR})
+set(plain ${WORK_DIR}/plain)
+file(MAKE_DIRECTORY ${plain})
+must_succeed("Building a module by the compiler alone"
+  ${CXX} ${flags} -shared -fPIC ${FOREIGN_DIR}/module.cpp -o ${plain}/module.so
+  -L ${WORK_DIR}/moved/${LIBDIR} -lqmSSTRc -lqc -Wl,-rpath,${WORK_DIR}/moved/${LIBDIR})
+must_succeed("Building its host by the compiler alone"
+  ${CXX} ${flags} "-DMODULE_FILE=\"${plain}/module.so\"" "-DFIGURES_DIR=\"${WORK_DIR}/moved/${DATADIR}/sstr/figures\""
+  ${FOREIGN_DIR}/loader.cpp -o ${plain}/loader -ldl)
+must_succeed("Running it" ${plain}/loader)
+
+# Each header stands by itself.
+file(GLOB headers RELATIVE ${WORK_DIR}/moved/${INCLUDEDIR}
+  ${WORK_DIR}/moved/${INCLUDEDIR}/*.h ${WORK_DIR}/moved/${INCLUDEDIR}/qc/*.h)
+if(NOT headers)
+  message(FATAL_ERROR "No header was installed in ${WORK_DIR}/moved/${INCLUDEDIR}.")
+endif()
+foreach(header IN LISTS headers)
+  file(WRITE ${plain}/header.cpp "#include <${header}>\n")
+  must_succeed("Compiling ${header} alone" ${CXX} ${flags} -fsyntax-only ${plain}/header.cpp)
+endforeach()
+
 must_succeed("Running the installed program" ${WORK_DIR}/moved/${BINDIR}/sstr --help)

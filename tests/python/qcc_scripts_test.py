@@ -110,6 +110,35 @@ class Scripts(SimulationTest):
         self.assertEqual(__main__.seen, [1])
         self.analyses.remove(self.analysis)
 
+    def test_script_may_close_the_scene_of_its_analysis(self):
+        __main__.scene, self.scene = self.scene, None
+        self.activate("if not seen: qc.qcScene_close(scene)\nseen.append(ss.qmStaticStrength_getHuman(analysis))")
+        self.assertEqual(qc.qcSim_step(2), [1])
+        self.assertEqual(__main__.seen, ["NULL", "NULL"])
+        self.assertEqual(self.take_one_error(),  # of the second step
+                         "StaticStrength ERROR: compute: the human of man is gone")
+
+    def test_script_may_delete_another_analysis_before_and_after_its_turn(self):
+        for victim in ("first", "last"):
+            __main__.seen[:] = []
+            names = ["first of " + victim, "middle of " + victim, "last of " + victim]
+            analyses = [self.analysis_of(self.posed_human(name)) for name in names]
+            __main__.other = analyses[victim == "last" and 2 or 0]
+            for name, analysis in zip(("first", "middle", "last"), analyses):
+                script = "seen.append(%r)" % name
+                if name == "middle":
+                    script += "\nif other: ss.delete_qmStaticStrength(other)\nother = None"
+                self.assertEqual(ss.qmStaticStrength_activate(analysis, script), 1)
+            self.analyses.remove(__main__.other)
+            self.assertEqual(qc.qcSim_step(2), [1, 1])
+            if victim == "first":
+                self.assertEqual(__main__.seen, ["first", "middle", "last", "middle", "last"])
+            else:
+                self.assertEqual(__main__.seen, ["first", "middle", "first", "middle"])
+            for analysis in analyses:
+                if analysis in self.analyses:
+                    ss.qmStaticStrength_deactivate(analysis)
+
     def test_script_may_bind_another_analysis_which_runs_from_the_next_step_on(self):
         __main__.other = self.analysis_of(self.posed_human("other"))
         self.activate("if not seen: ss.qmStaticStrength_activate(other)\nseen.append(1)")

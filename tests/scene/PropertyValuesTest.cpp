@@ -116,12 +116,12 @@ TEST_F(PropertyValues, ComeBackFromAScene)
     qcScene scene;
     qcHuman* human = scene.addPosedHuman(twoSegments().dump().c_str());
     ASSERT_TRUE(human);
-    qcObject* objects[] = {human,
-                           human->figure,
-                           human->figure->findSegment("arm"),
-                           human->figure->findSiteByFullName("pair.arm.grip"),
-                           human->figure->findJoint("right_shoulder"),
-                           &scene};
+    qcObject* const objects[] = {human,
+                                 human->figure,
+                                 human->figure->findSegment("arm"),
+                                 human->figure->findSiteByFullName("pair.arm.grip"),
+                                 human->figure->findJoint("right_shoulder"),
+                                 &scene};
     const std::vector<qcValue> values = valuesOfEveryKind();
     for (qcObject* object : objects)
         for (std::size_t i = 0; i < values.size(); ++i)

@@ -1,10 +1,9 @@
 // Saving: the old file or the new one, whole, whatever happens.
 #include "SceneSupport.h"
+#include "SmallDisk.h"
 
-#include <csignal>
 #include <filesystem>
 #include <limits>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -39,28 +38,6 @@ protected:
     TemporaryFolder folder;
 };
 
-// While this lives, no file may grow beyond a size, as on a full disk.
-class SmallDisk {
-public:
-    explicit SmallDisk(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit limit = {bytes, before.rlim_max};
-        signalBefore = std::signal(SIGXFSZ, SIG_IGN);
-        set = setrlimit(RLIMIT_FSIZE, &limit) == 0;
-    }
-    ~SmallDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, signalBefore);
-    }
-    bool set;
-
-private:
-    rlimit before;
-    void (*signalBefore)(int);
-};
-
 TEST_F(SceneSave, LeavesNothingButTheFile)
 {
     EXPECT_EQ(scene.save(folder.file("a.json").c_str()), 1);
@@ -72,7 +49,6 @@ TEST_F(SceneSave, LeavesNothingButTheFile)
 TEST_F(SceneSave, ADiskThatIsFullKeepsTheOldFile)
 {
     const std::string path = folder.write("a.json", "old");
-    std::string message;
     {
         const SmallDisk disk(100);   // bytes; the scene takes more
         ASSERT_TRUE(disk.set);

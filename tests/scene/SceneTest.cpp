@@ -7,7 +7,6 @@
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::Not;
 
 namespace {
 

@@ -3,9 +3,8 @@
 
 #include <clocale>
 #include <cstdlib>
-#include <string>
 
-DecimalComma::DecimalComma()
+DecimalComma::DecimalComma() : before(std::setlocale(LC_ALL, nullptr))
 {
     for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "fr_FR.utf8", "nl_NL.UTF-8"})
         if (std::setlocale(LC_ALL, name) && inForce())
@@ -25,7 +24,7 @@ DecimalComma::DecimalComma()
 
 DecimalComma::~DecimalComma()
 {
-    std::setlocale(LC_ALL, "C");
+    std::setlocale(LC_ALL, before.c_str());
 }
 
 bool DecimalComma::inForce()

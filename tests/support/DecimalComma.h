@@ -3,12 +3,14 @@
 
 #include "Support.h"
 
+#include <string>
+
 /// While it lives the process writes and scans numbers with a decimal comma: in a locale of the machine's, else
 /// in one made in a folder of its own. Where none can be had the test fails.
 class DecimalComma {
 public:
     DecimalComma();
-    ~DecimalComma();   ///< back to the C locale
+    ~DecimalComma();   ///< back to the locale of before
     DecimalComma(const DecimalComma&) = delete;
     DecimalComma& operator=(const DecimalComma&) = delete;
 
@@ -16,5 +18,6 @@ public:
     static bool inForce();
 
 private:
+    std::string before;
     TemporaryFolder folder;
 };

@@ -52,9 +52,9 @@ struct BoundedNumber {
     {
         const double divisor = std::abs(b.value);
         const double least = divisor - b.error;
-        const double error =
+        const double operandErrors =
             least > 0 ? (std::abs(a.value) * b.error + divisor * a.error) / (divisor * least) : HUGE_VAL;
-        return rounded(a.value / b.value, error);
+        return rounded(a.value / b.value, operandErrors);
     }
     // |sqrt(a) - sqrt(a')| <= e / sqrt(a), and never above sqrt(e)
     friend BoundedNumber sqrt(BoundedNumber a)

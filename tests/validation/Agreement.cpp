@@ -58,12 +58,12 @@ std::string text(double number)
 
 class Comparison {
 public:
-    Comparison(const std::vector<Step>& walked, const Testimony& told, const Loading& loading, const HostFigure& ofHost,
-               const qmStaticStrength& own, const std::string& leads, Tally& counted)
+    Comparison(const std::vector<WalkStep>& walked, const Testimony& told, const Loading& loading,
+               const HostFigure& ofHost, const qmStaticStrength& own, const std::string& leads, Tally& counted)
         : steps(walked), testimony(told), sums(walked, told, loading), host(ofHost), analysis(own), about(leads),
           tally(counted), isPassed(walked.size(), false)
     {
-        for (const Step& step : steps)
+        for (const WalkStep& step : steps)
             if (step.before >= 0)
                 isPassed[static_cast<std::size_t>(step.before)] = true;
     }
@@ -148,7 +148,7 @@ private:
         return about + ", joint " + host.joint(steps[index].joint)->getName();
     }
 
-    const std::vector<Step>& steps;
+    const std::vector<WalkStep>& steps;
     const Testimony& testimony;
     WalkSums sums;
     const HostFigure& host;
@@ -176,8 +176,8 @@ void Tally::disagree(const std::string& message)
         messages.push_back(message);
 }
 
-void compare(const std::vector<Step>& steps, const Testimony& testimony, const Loading& loading, const HostFigure& host,
-             const qmStaticStrength& analysis, const std::string& about, Tally& tally)
+void compare(const std::vector<WalkStep>& steps, const Testimony& testimony, const Loading& loading,
+             const HostFigure& host, const qmStaticStrength& analysis, const std::string& about, Tally& tally)
 {
     Comparison(steps, testimony, loading, host, analysis, about, tally).run();
 }

@@ -30,5 +30,5 @@ struct Tally {
 
 /// Compares what the analysis has stored on the joints with a testimony.
 /// @param about  begins each message: which case this is
-void compare(const std::vector<Step>& steps, const Testimony& testimony, const Loading& loading, const HostFigure& host,
-             const qmStaticStrength& analysis, const std::string& about, Tally& tally);
+void compare(const std::vector<WalkStep>& steps, const Testimony& testimony, const Loading& loading,
+             const HostFigure& host, const qmStaticStrength& analysis, const std::string& about, Tally& tally);

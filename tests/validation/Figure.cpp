@@ -37,9 +37,9 @@ Pose poseOf(const urdf::Pose& pose)
 
 class Reading {
 public:
-    Reading(const std::string& urdfPath, const std::string& rolesPath) : path(urdfPath)
+    Reading(const std::string& urdfPath, const std::string& rolesPath)
+        : path(urdfPath), model(urdf::parseURDFFile(urdfPath))
     {
-        model = urdf::parseURDFFile(urdfPath);
         if (!model)
             fail("it is no URDF model");
         roles = nlohmann::json::parse(std::ifstream(rolesPath));

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <stdexcept>
 #include <string>
@@ -155,12 +156,12 @@ public:
     Wrench reaction(int body) const override
     {
         const mjtNum* r = data->cfrc_int + 6 * id(body);
-        const mjtNum* center = data->subtree_com + 3 * model->body_rootid[id(body)];
+        const mjtNum* center = data->subtree_com + 3 * std::ptrdiff_t{model->body_rootid[id(body)]};
         return moved({vector(r + 3), vector(r)}, vector(center), origin(body));
     }
 
 private:
-    static int id(int body) { return body + 1; }   // 0 is the world
+    static std::ptrdiff_t id(int body) { return body + 1; }   // 0 is the world
     Vec origin(int body) const { return vector(data->xpos + 3 * id(body)); }
 
     void place()

@@ -30,7 +30,7 @@ void Subject::take(const Case& drawn)
 
 void Subject::compareOn(Support support, const Case& drawn, const std::string& about, std::vector<Tally>& tallies)
 {
-    const std::vector<Step> steps = stepsOf(support, figure, host);
+    const std::vector<WalkStep> steps = stepsOf(support, figure, host);
     analysis.setStrategy(strategyOf(support));
     analysis.compute();
     for (std::size_t i = 0; i < witnesses.size(); ++i) {

@@ -1,7 +1,7 @@
 // Testimony: one or two questions to a library, and their signs.
 #include "Testimony.h"
 
-Testimony testify(Witness& witness, const std::vector<Step>& steps, int foot, const Loading& loading)
+Testimony testify(Witness& witness, const std::vector<WalkStep>& steps, int foot, const Loading& loading)
 {
     const auto origin = [&](int body) { return witness.pose(body).origin; };
 
@@ -9,7 +9,7 @@ Testimony testify(Witness& witness, const std::vector<Step>& steps, int foot, co
     for (std::size_t i = 0; i < onBodies.size(); ++i)
         for (const AppliedForce& load : loading.loads[i])
             onBodies[i] = onBodies[i] + forceAt(load.force, load.point, origin(static_cast<int>(i)));
-    for (const Step& step : steps) {
+    for (const WalkStep& step : steps) {
         const auto torque = loading.torques.find(step.joint);
         Wrench& on = onBodies[static_cast<std::size_t>(step.beyond)];
         if (torque != loading.torques.end())
@@ -28,7 +28,7 @@ Testimony testify(Witness& witness, const std::vector<Step>& steps, int foot, co
         witness.solve();
         result.held = witness.reaction(0);
     }
-    for (const Step& step : steps) {
+    for (const WalkStep& step : steps) {
         const Vec point = origin(step.joint);
         const Wrench reaction = witness.reaction(step.joint);
         result.points.push_back(point);

@@ -21,4 +21,4 @@ struct Testimony {
 ///
 /// A torque defined at a joint acts on the body beyond it, so that the joint and those between it and the support
 /// carry it; the standing ankle is met twice and carries it twice.
-Testimony testify(Witness& witness, const std::vector<Step>& steps, int foot, const Loading& loading);
+Testimony testify(Witness& witness, const std::vector<WalkStep>& steps, int foot, const Loading& loading);

@@ -29,7 +29,7 @@ void addForce(double arm, double force, double error, Terms& forces, Terms& mome
 
 }   // namespace
 
-WalkSums::WalkSums(const std::vector<Step>& walked, const Testimony& told, const Loading& acting)
+WalkSums::WalkSums(const std::vector<WalkStep>& walked, const Testimony& told, const Loading& acting)
     : steps(walked), testimony(told), loading(acting), joints(walked.size())
 {
     findDoubleErrors();
@@ -55,7 +55,7 @@ void WalkSums::findDoubleErrors()
 
 const WalkSums::Sum& WalkSums::sum(std::size_t index)
 {
-    const Step& step = steps[index];
+    const WalkStep& step = steps[index];
     const Vec& here = testimony.points[index];
     Joint& joint = joints[index];
     Terms forces, moments;

@@ -31,7 +31,7 @@
 
 class WalkSums {
 public:
-    WalkSums(const std::vector<Step>& steps, const Testimony& testimony, const Loading& loading);
+    WalkSums(const std::vector<WalkStep>& steps, const Testimony& testimony, const Loading& loading);
 
     struct Sum {
         Wrench exact;   // the witness's, less what was dropped further out
@@ -60,7 +60,7 @@ private:
 
     void findDoubleErrors();
 
-    const std::vector<Step>& steps;
+    const std::vector<WalkStep>& steps;
     const Testimony& testimony;
     const Loading& loading;
     std::vector<Joint> joints;   // by step

@@ -17,7 +17,7 @@ public:
     int walk(int joint, int from, int before = -1)
     {
         const int parent = figure.bodies[static_cast<std::size_t>(joint)].parent;
-        Step step;
+        WalkStep step;
         step.joint = joint;
         step.upward = from == joint;
         step.beyond = step.upward ? parent : joint;
@@ -31,7 +31,7 @@ public:
         return static_cast<int>(steps.size()) - 1;
     }
 
-    std::vector<Step> steps;
+    std::vector<WalkStep> steps;
 
 private:
     const Figure& figure;
@@ -80,7 +80,7 @@ int footOf(Support support, HostFigure& host)
     return host.bodyOf(host.human().getFootSite(sideOf(support))->getSegment());
 }
 
-std::vector<Step> stepsOf(Support support, const Figure& figure, HostFigure& host)
+std::vector<WalkStep> stepsOf(Support support, const Figure& figure, HostFigure& host)
 {
     Walking walking(figure);
     qcHuman& human = host.human();

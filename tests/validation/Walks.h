@@ -14,7 +14,7 @@ const char* nameOf(Support support);
 qmStaticStrength::Strategy strategyOf(Support support);   ///< the upper body: that of two feet
 
 /// One joint as a walk meets it.
-struct Step {
+struct WalkStep {
     int joint;               // the body that it carries
     int beyond;              // the body on its far side
     bool upward;             // the far side is the parent's
@@ -27,7 +27,7 @@ struct Step {
 ///   on a foot           from that foot through its ankle, everything; then, on top of the ankle, the foot itself
 ///   sitting, no feet    from the pelvis through the waist and through each hip
 ///   upper body          from the pelvis through the waist
-std::vector<Step> stepsOf(Support support, const Figure& figure, HostFigure& host);
+std::vector<WalkStep> stepsOf(Support support, const Figure& figure, HostFigure& host);
 
 /// The body of the standing foot; -1 without one.
 int footOf(Support support, HostFigure& host);

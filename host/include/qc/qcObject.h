@@ -19,7 +19,7 @@ public:
 
     virtual void attach(qcObserver* observer, updateProtocol protocol);
     virtual void detach(qcObserver* observer);
-    virtual void notify(updateProtocol protocol);   ///< tells every observer attached
+    virtual void notify(updateProtocol protocol);   ///< tells every observer attached; needs no memory
     virtual int invalid();                          ///< 1 while the subject is being destroyed
 
 protected:
@@ -33,11 +33,14 @@ private:
 };
 
 /// A named object with a full name and named properties.
+///
+/// Memory that runs out is told by std::bad_alloc; the object is then as it was. Removing, reading names and keys,
+/// marking changes and storing a property in place of one of that key, by a value handed over, need no memory.
 class QC_API qcObject : public qcSubject {
 public:
     qcObject() = default;
-    qcObject(const qcObject&) = default;   ///< copies names, properties and time stamp
-    qcObject& operator=(const qcObject&) = default;
+    qcObject(const qcObject&) = default;          ///< copies names, properties and time stamp
+    qcObject& operator=(const qcObject& other);   ///< takes names, properties and time stamp over
     ~qcObject() override;
 
     virtual int setName(const char* name);          ///< @return 1

@@ -27,9 +27,9 @@ public:
 /// first tells it, and from then on it refers to no subject.
 class QC_API qcRefObserver : public qcObserver {
 public:
-    /// @param subject  observed, borrowed; null observes nothing
-    /// @param object   whom the observer stands for, borrowed
-    qcRefObserver(qcSubject* subject, qcObject* object);
+    /// @param observed  borrowed; null observes nothing
+    /// @param forWhom   whom the observer stands for, borrowed
+    qcRefObserver(qcSubject* observed, qcObject* forWhom);
     qcRefObserver(const qcRefObserver&) = delete;
     qcRefObserver& operator=(const qcRefObserver&) = delete;
 

@@ -11,6 +11,7 @@ class QC_API qcSim {
 public:
     /// Binds a function that the host then calls as `function(data)` whenever it runs the callbacks
     /// of that kind. @return a handle, good until it is unbound
+    /// @throws std::bad_alloc, nothing is then bound
     static qcCallback* bindCallback(const char* kind, const char* owner, int (*function)(void*), void* data);
 
     /// Unbinds a callback; its handle is dead afterwards. Allowed while callbacks run, for the one

@@ -74,13 +74,14 @@ qcFigure::~qcFigure()
 
 void qcFigure::partRenamed()
 {
-    index = std::make_unique<Index>();
+    auto renewed = std::make_unique<Index>();
     for (const auto& segment : segments)
-        index->add(index->segments, segment->getName(), segment.get());
+        renewed->add(renewed->segments, segment->getName(), segment.get());
     for (const auto& joint : joints)
-        index->add(index->joints, joint->getName(), joint.get());
+        renewed->add(renewed->joints, joint->getName(), joint.get());
     for (const auto& site : sites)
-        index->add(index->sites, site->getFullName(), site.get());
+        renewed->add(renewed->sites, site->getFullName(), site.get());
+    index = std::move(renewed);
 }
 
 int qcFigure::setName(const char* name)

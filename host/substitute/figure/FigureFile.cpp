@@ -8,8 +8,6 @@
 
 #include "qc/qcMessages.h"
 
-#include <new>
-
 namespace {
 
 constexpr const char* kUrdfEnding = ".urdf";
@@ -52,10 +50,8 @@ qcFigure* qcFigureFile::read(const char* path, const char* rolesPath)
 {
     try {
         return readAny(path ? path : "", rolesPath).release();
-    } catch (const InputError& problem) {
-        error("%s", problem.what());
-    } catch (const std::bad_alloc&) {
-        error("%s: there is not enough memory to read it.", path);
+    } catch (const std::exception& problem) {
+        reportProblem(problem, path);
     }
     return nullptr;
 }

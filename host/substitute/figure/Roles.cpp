@@ -30,7 +30,7 @@ std::size_t at(int index)
 
 std::string nameAt(const JsonAt& at)
 {
-    const std::string name = at.text("a name");
+    std::string name = at.text("a name");
     if (name.empty() || !isPlainText(name))
         at.failExpected("a name without control characters");
     return name;

@@ -38,7 +38,7 @@ struct OwnedModel {
     ~OwnedModel()
     {
         if (model)
-            for (auto& link : model->links_)
+            for (const auto& link : model->links_)
                 link.second->child_links.clear();
     }
 };

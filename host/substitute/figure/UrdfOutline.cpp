@@ -129,11 +129,11 @@ private:
                 continue;
             const std::string close = closeNames(e->Name(), known);
             const std::string line = inLine(e->GetLineNum());
-            const std::string text =
+            const std::string note =
                 who + ": the element <" + e->Name() + ">" + line + " is not known and was passed over.";
-            outline.notes.push_back(text + close);
+            outline.notes.push_back(note + close);
             if (!close.empty())
-                warning("%s: %s%s", file.c_str(), text.c_str(), close.c_str());
+                warning("%s: %s%s", file.c_str(), note.c_str(), close.c_str());
         }
     }
 

@@ -105,18 +105,20 @@ private:
     void classify()
     {
         kinds.resize(model.links.size(), kSegment);
-        for (std::size_t i = 0; i < model.links.size(); ++i) {
-            const int index = static_cast<int>(i);
-            const UrdfLink& l = model.links[i];
-            if (aroundBase.count(index))
-                kinds[i] = kSite;
-            else if (hasMass(index) || index == base)
-                kinds[i] = kSegment;
-            else if (!joint(l.parentJoint).moves)
-                kinds[i] = kSite;
-            else if (l.children.size() == 1 && joint(l.children[0]).moves)
-                kinds[i] = kInner;
-        }
+        for (std::size_t i = 0; i < model.links.size(); ++i)
+            kinds[i] = kindOf(static_cast<int>(i));
+    }
+
+    Kind kindOf(int index) const
+    {
+        const UrdfLink& l = model.links[at(index)];
+        if (aroundBase.count(index))
+            return kSite;
+        if (hasMass(index) || index == base)
+            return kSegment;
+        if (!joint(l.parentJoint).moves)
+            return kSite;
+        return l.children.size() == 1 && joint(l.children[0]).moves ? kInner : kSegment;
     }
 
     void makeSegments()

@@ -6,8 +6,11 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
+#include <memory>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -41,6 +44,8 @@ public:
             const ssize_t n = ::write(file, content.data() + done, content.size() - done);
             if (n < 0 && errno != EINTR)
                 return errno;
+            if (n == 0)
+                return EIO;   // no progress and no reason: to go on might never end
             if (n > 0)
                 done += static_cast<std::size_t>(n);
         }
@@ -66,7 +71,7 @@ private:
 // Removes the temporary file unless it has taken the other's place.
 class Temporary {
 public:
-    explicit Temporary(const std::string& temporaryPath) : path(temporaryPath) {}
+    explicit Temporary(const std::string& temporaryPath) : path(temporaryPath) {}   // which outlives this
     ~Temporary()
     {
         if (!kept)
@@ -77,21 +82,62 @@ public:
     void keep() { kept = true; }
 
 private:
-    const std::string path;
+    const std::string& path;   // no copy: memory must not run out between the file's making and its guard
     bool kept = false;
 };
 
-// Opens a new file in a folder, with the permissions that new files get.
+// Whether it is a name that openNew() gives.
+bool isTemporaryName(const std::string& name)
+{
+    int length = 0;
+    std::sscanf(name.c_str(), ".sstr-%*[0-9]-%*[0-9].new%n", &length);
+    return length > 0 && name.size() == static_cast<std::size_t>(length);
+}
+
+// Opens a new file in a folder, with the permissions that new files get. It is locked as long as it is open, so
+// that others see that somebody writes it; where the file system knows no locks, nobody takes it for abandoned.
 int openNew(const std::string& folder, std::string& path)
 {
     static unsigned count = 0;
     for (int attempt = 0; attempt < 1000; ++attempt) {
         path = folder + "/.sstr-" + std::to_string(::getpid()) + "-" + std::to_string(count++) + ".new";
         const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (file >= 0 || errno != EEXIST)
+        if (file < 0 && errno == EEXIST)
+            continue;
+        struct stat status;
+        const bool taken = file >= 0
+                           && ((::flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+                               || (::fstat(file, &status) == 0 && status.st_nlink == 0));
+        if (!taken)
             return file;
+        ::close(file);   // another process found it before it was locked, and removes it
     }
+    errno = EBUSY;
     return -1;
+}
+
+// Removes a temporary file that nobody writes any more: its writer's lock ended with its writer, however that came.
+void removeIfAbandoned(const std::string& path)
+{
+    const OpenFile file(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat found, present;
+    if (file.handle() >= 0 && ::flock(file.handle(), LOCK_EX | LOCK_NB) == 0 && ::fstat(file.handle(), &found) == 0
+        && ::lstat(path.c_str(), &present) == 0 && S_ISREG(found.st_mode) && found.st_dev == present.st_dev
+        && found.st_ino == present.st_ino)
+        ::unlink(path.c_str());
+}
+
+struct CloseFolder {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+void removeAbandoned(const std::string& folder)
+{
+    // not std::filesystem's iterator, which ends the program when memory runs out in it
+    const std::unique_ptr<DIR, CloseFolder> entries(::opendir(folder.c_str()));
+    while (const dirent* entry = entries ? ::readdir(entries.get()) : nullptr)
+        if (isTemporaryName(entry->d_name))
+            removeIfAbandoned(folder + "/" + entry->d_name);
 }
 
 // Gives the new file the old one's owner, as far as the system lets us, and its permissions.
@@ -163,12 +209,14 @@ void replaceFile(const std::string& path, const std::string& content)
     std::string folder = std::filesystem::path(target).parent_path().string();
     if (folder.empty())
         folder = ".";
+    removeAbandoned(folder);   // what killed processes left, before it is in the way of this one
     std::string temporaryPath;
     OpenFile file(openNew(folder, temporaryPath));
     if (file.handle() < 0) {
         const int problem = errno;
         fail(path, "no file can be made in the folder \"" + folder + "\": " + std::strerror(problem) + ".");
     }
+    const OpenFile lock(::fcntl(file.handle(), F_DUPFD_CLOEXEC, 0));   // keeps the lock until it has taken its place
     Temporary temporary(temporaryPath);
     if (exists)
         if (const int problem = takeOver(file, old))

@@ -14,7 +14,7 @@ namespace {
 
 // A hundred nested lists of a property take two levels each; the rest is room for what they lie in.
 constexpr std::size_t kDeepest = 250;
-constexpr std::size_t kMostValues = 10'000'000;   // about 1 GB as a tree
+constexpr std::size_t kMostValues = 20'000'000;   // about 1 GB as a tree; a posed chain of 100 000 segments has 14
 
 // A key as a step of a JSON path: "~" and "/" are escaped as JSON Pointer has it (RFC 6901).
 std::string pathStep(const std::string& key)
@@ -40,10 +40,10 @@ std::string described(const Json& json)
     case Json::Kind::Number:
         return numberText(json.number);
     case Json::Kind::Text:
-        return inQuotes(json.text);
+        return inQuotes(json.text());
     case Json::Kind::Array:
-        return json.items.size() == 1 ? "an array of 1 element"
-                                      : "an array of " + std::to_string(json.items.size()) + " elements";
+        return json.items().size() == 1 ? "an array of 1 element"
+                                        : "an array of " + std::to_string(json.items().size()) + " elements";
     case Json::Kind::Object:
         break;
     }
@@ -131,11 +131,8 @@ private:
             return &root;
         }
         Json& parent = *levels.back().container;
-        if (parent.kind == Json::Kind::Object)
-            parent.add(levels.back().key, std::move(value));
-        else
-            parent.add(std::move(value));
-        return &parent.items.back();
+        return parent.kind == Json::Kind::Object ? &parent.add(levels.back().key, std::move(value))
+                                                 : &parent.add(std::move(value));
     }
 
     std::string path() const
@@ -144,7 +141,7 @@ private:
         for (std::size_t i = 0; i + 1 < levels.size(); ++i)
             steps += levels[i].container->kind == Json::Kind::Object
                          ? pathStep(levels[i].key)
-                         : "/" + std::to_string(levels[i].container->items.size() - 1);
+                         : "/" + std::to_string(levels[i].container->items().size() - 1);
         return steps;
     }
 
@@ -155,7 +152,7 @@ private:
         const Level& level = levels.back();
         return path()
                + (level.container->kind == Json::Kind::Object ? pathStep(level.key)
-                                                              : "/" + std::to_string(level.container->items.size()));
+                                                              : "/" + std::to_string(level.container->items().size()));
     }
 
     Json& root;
@@ -172,9 +169,27 @@ bool hasNull(const std::string& text)
 
 }   // namespace
 
+JsonAt JsonAt::inner(const Json& json, const std::string* key, std::size_t index) const
+{
+    JsonAt at(json, *source);
+    at.step = std::make_shared<const Step>(Step{step, key, index});
+    return at;
+}
+
+std::string JsonAt::path() const
+{
+    std::vector<const Step*> steps;
+    for (const Step* each = step.get(); each; each = each->before.get())
+        steps.push_back(each);
+    std::string text;
+    for (auto each = steps.rbegin(); each != steps.rend(); ++each)
+        text += (*each)->key ? pathStep(*(*each)->key) : "/" + std::to_string((*each)->index);
+    return text;
+}
+
 void JsonAt::fail(const std::string& problem) const
 {
-    throw InputError(placed(*source, path, problem));
+    throw InputError(placed(*source, path(), problem));
 }
 
 void JsonAt::failExpected(const std::string& expected) const
@@ -186,9 +201,9 @@ std::string JsonAt::text(const char* expected) const
 {
     if (!isText())
         failExpected(expected);
-    if (hasNull(node->text))
-        fail("expected a text without a null character, found " + inQuotes(node->text) + ".");
-    return node->text;
+    if (hasNull(node->text()))
+        fail("expected a text without a null character, found " + inQuotes(node->text()) + ".");
+    return node->text();
 }
 
 double JsonAt::number(const char* expected) const
@@ -238,7 +253,7 @@ void JsonAt::requireKeys(std::initializer_list<const char*> known) const
         failExpected("an object");
     const std::vector<std::string> names(known.begin(), known.end());
     for (std::size_t i = 0; i < size(); ++i) {
-        const std::string& key = node->keys[i];
+        const std::string& key = node->keys()[i];
         if (std::find(names.begin(), names.end(), key) != names.end())
             continue;
         std::string help = closeNames(key, names);
@@ -266,7 +281,8 @@ std::optional<JsonAt> JsonAt::find(const std::string& key) const
     const Json* found = node->find(key);
     if (!found)
         return std::nullopt;
-    return JsonAt(*found, *source, path + pathStep(key));
+    const std::size_t index = static_cast<std::size_t>(found - node->items().data());
+    return inner(*found, &node->keys()[index], index);
 }
 
 std::vector<JsonAt::Member> JsonAt::members(const char* expected) const
@@ -276,17 +292,16 @@ std::vector<JsonAt::Member> JsonAt::members(const char* expected) const
     std::vector<Member> all;
     all.reserve(size());
     for (std::size_t i = 0; i < size(); ++i) {
-        if (hasNull(node->keys[i]))
-            fail("expected keys without a null character, found " + inQuotes(node->keys[i]) + ".");
-        all.push_back({node->keys[i], item(i)});
+        if (hasNull(node->keys()[i]))
+            fail("expected keys without a null character, found " + inQuotes(node->keys()[i]) + ".");
+        all.push_back({node->keys()[i], item(i)});
     }
     return all;
 }
 
 JsonAt JsonAt::item(std::size_t i) const
 {
-    const std::string step = isObject() ? pathStep(node->keys[i]) : "/" + std::to_string(i);
-    return {node->items[i], *source, path + step};
+    return inner(node->items()[i], isObject() ? &node->keys()[i] : nullptr, i);
 }
 
 bool fitsReal(double number)

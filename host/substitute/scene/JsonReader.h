@@ -6,6 +6,7 @@
 #include "qc/qVector.h"
 
 #include <initializer_list>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,9 +15,7 @@
 /// "lift.json: /humans/0/name: expected a text, found 3." The tree and the source's name must outlive it.
 class JsonAt {
 public:
-    JsonAt(const Json& json, const std::string& sourceName, const std::string& jsonPath = "")
-        : node(&json), source(&sourceName), path(jsonPath)
-    {}
+    JsonAt(const Json& json, const std::string& sourceName) : node(&json), source(&sourceName) {}
 
     [[noreturn]] void fail(const std::string& problem) const;            ///< @param problem  a whole sentence
     [[noreturn]] void failExpected(const std::string& expected) const;   ///< "expected …, found …."
@@ -47,12 +46,22 @@ public:
 
     /// An element of an array, or a member of an object, that is known to be there.
     JsonAt item(std::size_t i) const;
-    std::size_t size() const { return node->items.size(); }
+    std::size_t size() const { return node->items().size(); }
 
 private:
+    /// The last step of a path. Only a message needs its text, which may be long.
+    struct Step {
+        std::shared_ptr<const Step> before;   // null: the root
+        const std::string* key;               // in the tree; null for an element of an array
+        std::size_t index;
+    };
+
+    JsonAt inner(const Json& json, const std::string* key, std::size_t index) const;
+    std::string path() const;
+
     const Json* node;
     const std::string* source;
-    std::string path;
+    std::shared_ptr<const Step> step;   // null: the root
 };
 
 struct JsonAt::Member {

@@ -13,10 +13,21 @@ namespace {
 constexpr std::size_t kLineWidth = 100;   // what fits stands on one line
 constexpr std::size_t kIndent = 2;
 
-void appendQuoted(std::string& out, const std::string& text)
+void requireUtf8(const std::string& text)
 {
     if (!isUtf8(text))
         throw InputError("the text " + inQuotes(text) + " cannot be written: it is no UTF-8.");
+}
+
+void requireFinite(double value)
+{
+    if (!std::isfinite(value))
+        throw InputError("a number that is not finite cannot be written.");
+}
+
+void appendQuoted(std::string& out, const std::string& text)
+{
+    requireUtf8(text);
     out += '"';
     for (const char c : text) {
         switch (c) {
@@ -50,7 +61,7 @@ void appendScalar(std::string& out, const Json& json)
     if (json.kind == Json::Kind::Number)
         out += numberText(json.number);
     else if (json.kind == Json::Kind::Text)
-        appendQuoted(out, json.text);
+        appendQuoted(out, json.text());
     else
         out += json.kind == Json::Kind::Null ? "null" : json.number != 0 ? "true" : "false";
 }
@@ -64,7 +75,7 @@ bool isRowOfNumbers(const Json& json)
 {
     if (json.kind != Json::Kind::Array)
         return false;
-    for (const Json& item : json.items)
+    for (const Json& item : json.items())
         if (item.kind != Json::Kind::Number)
             return false;
     return true;
@@ -79,14 +90,14 @@ bool appendOnOneLine(std::string& out, const Json& json, std::size_t end)
     }
     const bool isObject = json.kind == Json::Kind::Object;
     out += isObject ? '{' : '[';
-    for (std::size_t i = 0; i < json.items.size(); ++i) {
+    for (std::size_t i = 0; i < json.items().size(); ++i) {
         if (i > 0)
             out += ", ";
         if (isObject) {
-            appendQuoted(out, json.keys[i]);
+            appendQuoted(out, json.keys()[i]);
             out += ": ";
         }
-        if (!appendOnOneLine(out, json.items[i], end))
+        if (!appendOnOneLine(out, json.items()[i], end))
             return false;
     }
     out += isObject ? '}' : ']';
@@ -103,15 +114,15 @@ void append(std::string& out, const Json& json, std::size_t indent, std::size_t 
 
     const bool isObject = json.kind == Json::Kind::Object;
     out += isObject ? '{' : '[';
-    for (std::size_t i = 0; i < json.items.size(); ++i) {
+    for (std::size_t i = 0; i < json.items().size(); ++i) {
         out += i > 0 ? ",\n" : "\n";
         const std::size_t itemStart = out.size();
         out.append(indent + kIndent, ' ');
         if (isObject) {
-            appendQuoted(out, json.keys[i]);
+            appendQuoted(out, json.keys()[i]);
             out += ": ";
         }
-        append(out, json.items[i], indent + kIndent, itemStart);
+        append(out, json.items()[i], indent + kIndent, itemStart);
     }
     out += '\n';
     out.append(indent, ' ');
@@ -119,6 +130,29 @@ void append(std::string& out, const Json& json, std::size_t indent, std::size_t 
 }
 
 }   // namespace
+
+Json::Json(const Json& other)
+    : kind(other.kind), number(other.number), whole(other.whole ? std::make_unique<Content>(*other.whole) : nullptr)
+{}
+
+Json& Json::operator=(const Json& other)
+{
+    Json copy(other);
+    return *this = std::move(copy);
+}
+
+const Json::Content& Json::content() const
+{
+    static const Content nothing{};
+    return whole ? *whole : nothing;
+}
+
+Json::Content& Json::ownContent()
+{
+    if (!whole)
+        whole = std::make_unique<Content>();
+    return *whole;
+}
 
 Json Json::ofNumber(double value)
 {
@@ -132,7 +166,7 @@ Json Json::ofText(const std::string& value)
 {
     Json json;
     json.kind = Kind::Text;
-    json.text = value;
+    json.ownContent().text = value;
     return json;
 }
 
@@ -148,7 +182,8 @@ Json Json::array(std::vector<Json> elements)
 {
     Json json;
     json.kind = Kind::Array;
-    json.items = std::move(elements);
+    if (!elements.empty())
+        json.ownContent().items = std::move(elements);
     return json;
 }
 
@@ -159,17 +194,22 @@ Json Json::object()
     return json;
 }
 
-void Json::add(const std::string& key, Json member)
+Json& Json::add(Json element)
 {
-    keys.push_back(key);
-    items.push_back(std::move(member));
+    return ownContent().items.emplace_back(std::move(element));
+}
+
+Json& Json::add(const std::string& key, Json member)
+{
+    ownContent().keys.push_back(key);
+    return add(std::move(member));
 }
 
 const Json* Json::find(const std::string& key) const
 {
-    for (std::size_t i = 0; i < keys.size(); ++i)
-        if (keys[i] == key)
-            return &items[i];
+    for (std::size_t i = 0; i < keys().size(); ++i)
+        if (keys()[i] == key)
+            return &items()[i];
     return nullptr;
 }
 
@@ -180,10 +220,21 @@ std::string jsonText(const Json& json)
     return text + "\n";
 }
 
+void requireWritable(const Json& json)
+{
+    if (json.kind == Json::Kind::Number)
+        requireFinite(json.number);
+    requireUtf8(json.text());
+    for (std::size_t i = 0; i < json.items().size(); ++i) {
+        if (i < json.keys().size())
+            requireUtf8(json.keys()[i]);
+        requireWritable(json.items()[i]);
+    }
+}
+
 std::string numberText(double value)
 {
-    if (!std::isfinite(value))
-        throw InputError("a number that is not finite cannot be written.");
+    requireFinite(value);
     if (value == 0)
         return std::signbit(value) ? "-0.0" : "0";
     char digits[32];

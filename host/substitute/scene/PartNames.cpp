@@ -54,9 +54,14 @@ bool PartNames::add(qcJointImp* joint)
     return jointsByFullName.emplace(joint->getFullName(), joint).second;
 }
 
+qcSegmentImp* PartNames::findSegment(const std::string& name) const
+{
+    return find(segments, name);
+}
+
 qcSegmentImp* PartNames::segment(const JsonAt& at, const std::string& name) const
 {
-    if (qcSegmentImp* found = find(segments, name))
+    if (qcSegmentImp* found = findSegment(name))
         return found;
     failNowhere(at, "segment", name, segmentNames);
 }

@@ -33,6 +33,9 @@ public:
     qcSiteImp* site(const JsonAt& at, const std::string& key) const;
     qcJointImp* joint(const JsonAt& at, const std::string& name) const;
 
+    /// The segment of a name; null when there is none.
+    qcSegmentImp* findSegment(const std::string& name) const;
+
     /// The names that files use. @throws InputError when no name tells the part from another one
     std::string of(const qcSegmentImp& segment) const;
     std::string of(const qcSiteImp& site) const;

@@ -25,7 +25,7 @@ qcFigure* qcFigureFile::readPosedText(const char* json, const char* source)
     try {
         return readPosedFigure(json ? json : "", source ? source : "posed figure").release();
     } catch (const std::exception& problem) {
-        error("%s", problem.what());
+        reportProblem(problem, source ? source : "posed figure");
         return nullptr;
     }
 }
@@ -35,7 +35,7 @@ std::string qcFigureFile::posedText(qcFigure& figure)
     try {
         return textOf(figure);
     } catch (const std::exception& problem) {
-        error("%s", problem.what());
+        reportProblem(problem, figure.getName());
         return "";
     }
 }
@@ -46,6 +46,6 @@ int qcFigureFile::writePosed(qcFigure& figure, const char* path)
         replaceFile(path ? path : "", textOf(figure));
         return 1;
     } catch (const std::exception& problem) {
-        return error("%s", problem.what());
+        return reportProblem(problem, path);
     }
 }

@@ -4,6 +4,10 @@
 #include "PosedFigure.h"
 #include "ValueJson.h"
 
+#include <algorithm>
+#include <cstring>
+#include <unordered_map>
+
 namespace {
 
 qMatrix transformFrom(const JsonAt& at)
@@ -72,6 +76,7 @@ private:
         if (!names.add(segment))
             at.member("name").fail("another segment has this name.");
         segments.push_back(segment);
+        longestName = std::max(longestName, std::strlen(segment->getName()));
     }
 
     void readSite(const JsonAt& at)
@@ -89,6 +94,7 @@ private:
         const auto second = at.find("second_transform");
         FigureBuilder::setTransforms(site, transform, second ? transformFrom(*second) : transform);
         sites.push_back(site);
+        sitesOf[segment].push_back(site);
     }
 
     // The segment and the name of a site: as told, else taken from its key. Names may have full stops in them,
@@ -99,12 +105,14 @@ private:
             return {names.segment(at.member("segment")), at.member("name").text()};
         const JsonAt keyAt = at.member("key");
         const std::string key = keyAt.text();
+        const auto segmentAt = at.find("segment"), nameAt = at.find("name");
         std::vector<std::pair<qcSegmentImp*, std::string>> cuts;
-        for (qcSegmentImp* segment : segments) {
-            const std::string prefix = std::string(segment->getName()) + ".";
-            const std::string name = key.compare(0, prefix.size(), prefix) == 0 ? key.substr(prefix.size()) : "";
-            const auto segmentAt = at.find("segment"), nameAt = at.find("name");
-            if (!name.empty() && (!segmentAt || segmentAt->text() == segment->getName())
+        for (std::size_t stop = key.find('.'); stop < key.size() - 1; stop = key.find('.', stop + 1)) {
+            if (stop > longestName)
+                break;   // no segment's name is longer
+            qcSegmentImp* segment = names.findSegment(key.substr(0, stop));
+            const std::string name = key.substr(stop + 1);
+            if (segment && (!segmentAt || segmentAt->text() == segment->getName())
                 && (!nameAt || nameAt->text() == name))
                 cuts.emplace_back(segment, name);
         }
@@ -137,7 +145,9 @@ private:
         if (!names.add(joint))
             (fullName ? *fullName : at.member("name"))
                 .fail("another joint has this full name: \"" + std::string(joint->getFullName()) + "\".");
-        joints.push_back(joint);
+        jointsAt[first].push_back(joint);
+        if (second != first)
+            jointsAt[second].push_back(joint);
     }
 
     // A list that is left out holds all that belongs there, in the file's order.
@@ -147,9 +157,8 @@ private:
             for (const JsonAt& site : list->elements("an array of site keys"))
                 FigureBuilder::listSite(segment, names.site(site));
         } else {
-            for (qcSiteImp* site : sites)
-                if (site->getSegment() == segment)
-                    FigureBuilder::listSite(segment, site);
+            for (qcSiteImp* site : sitesOf[segment])
+                FigureBuilder::listSite(segment, site);
         }
         FigureBuilder::setAttachment(segment, siteOrNull(at.find("attachment")));
     }
@@ -160,9 +169,8 @@ private:
             for (const JsonAt& joint : list->elements("an array of joint names"))
                 FigureBuilder::listJoint(site, names.joint(joint));
         } else {
-            for (qcJointImp* joint : joints)
-                if (joint->getSite(0) == site || joint->getSite(1) == site)
-                    FigureBuilder::listJoint(site, joint);
+            for (qcJointImp* joint : jointsAt[site])
+                FigureBuilder::listJoint(site, joint);
         }
     }
 
@@ -233,7 +241,9 @@ private:
     PartNames names;
     std::vector<qcSegmentImp*> segments;
     std::vector<qcSiteImp*> sites;
-    std::vector<qcJointImp*> joints;
+    std::size_t longestName = 0;                                                // of a segment, bytes
+    std::unordered_map<const qcSegmentImp*, std::vector<qcSiteImp*>> sitesOf;   // in the file's order
+    std::unordered_map<const qcSiteImp*, std::vector<qcJointImp*>> jointsAt;
 };
 
 }   // namespace

@@ -67,7 +67,7 @@ private:
         forEachIn<Part>(list, [&](Part& part) {
             try {
                 Json json = function(part);
-                jsonText(json);   // numbers and texts that no file can hold show here, where the part is known
+                requireWritable(json);   // numbers and texts that no file can hold show here, where the part is known
                 elements.add(std::move(json));
             } catch (const InputError& problem) {
                 throw InputError(std::string(part.getFullName()) + ": " + problem.what());

@@ -62,19 +62,22 @@ qcScene::Member* qcScene::Member::add(qcScene& scene, std::unique_ptr<qcFigure> 
     if (!member->human)
         return nullptr;
     member->loaded = AsLoaded(*member->figure);
+    scene.members.reserve(scene.members.size() + 1);   // then only the list's node may lack memory
+    qList::append(&scene.humanList, member->human.get());
     scene.members.push_back(std::move(member));
-    qList::append(&scene.humanList, scene.members.back()->human.get());
     return scene.members.back().get();
 }
 
 qcScene::Member* qcScene::Member::addFromFile(qcScene& scene, const std::string& path, const std::string& roles,
                                               const std::string& name)
 {
+    std::string wholePath = absolutePath(path);
+    std::string wholeRoles = roles.empty() ? "" : absolutePath(roles);
     std::unique_ptr<qcFigure> figure(qcFigureFile::read(path.c_str(), roles.empty() ? nullptr : roles.c_str()));
     Member* member = figure ? add(scene, std::move(figure), name) : nullptr;
     if (member) {
-        member->figurePath = absolutePath(path);
-        member->rolesPath = roles.empty() ? "" : absolutePath(roles);
+        member->figurePath = std::move(wholePath);
+        member->rolesPath = std::move(wholeRoles);
     }
     return member;
 }
@@ -107,7 +110,7 @@ qcScene* qcScene::open(const char* path)
     try {
         return SceneReader::read(path ? path : "").release();
     } catch (const std::exception& problem) {
-        error("%s", problem.what());
+        reportProblem(problem, path);
         return nullptr;
     }
 }
@@ -119,7 +122,7 @@ int qcScene::save(const char* path)
         replaceFile(target, SceneWriter::text(*this, target));
         return 1;
     } catch (const std::exception& problem) {
-        return error("%s", problem.what());
+        return reportProblem(problem, path);
     }
 }
 
@@ -131,7 +134,7 @@ qcHuman* qcScene::addHuman(const char* figurePath, const char* name, const char*
         const Member* member = Member::addFromFile(*this, path, roles, name ? name : "");
         return member ? member->human.get() : nullptr;
     } catch (const std::exception& problem) {
-        error("%s", problem.what());
+        reportProblem(problem, figurePath);
         return nullptr;
     }
 }
@@ -142,7 +145,7 @@ qcHuman* qcScene::addPosedHuman(const char* json)
         const Member* member = Member::addPosed(*this, readPosedFigure(json ? json : "", "posed figure"), "");
         return member ? member->human.get() : nullptr;
     } catch (const std::exception& problem) {
-        error("%s", problem.what());
+        reportProblem(problem, "posed figure");
         return nullptr;
     }
 }

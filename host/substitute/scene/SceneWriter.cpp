@@ -146,8 +146,10 @@ Json SceneWriter::humanJson(qcScene::Member& member, const std::string& folder)
 
 void SceneWriter::addFigure(Json& json, const qcScene::Member& member, const std::string& folder)
 {
-    if (member.figurePath.empty())
-        return json.add("posed_figure", member.posed);
+    if (member.figurePath.empty()) {
+        json.add("posed_figure", member.posed);
+        return;
+    }
     json.add("figure", Json::ofText(relativePath(member.figurePath, folder)));
     if (!member.rolesPath.empty())
         json.add("roles", Json::ofText(relativePath(member.rolesPath, folder)));
@@ -177,7 +179,7 @@ void SceneWriter::addMasses(Json& json, const qcFigure& figure, const PartNames&
         if (segment.hasOwnMass())
             masses.add(names.of(segment), shortest(segment.getMass()));
     });
-    if (!masses.items.empty())
+    if (!masses.items().empty())
         json.add("segment_masses_g", std::move(masses));
 }
 
@@ -199,13 +201,13 @@ void SceneWriter::addPosture(Json& json, const qcScene::Member& member, const Pa
         }
         if (!changed)
             return;
-        const bool exact = degrees.items.size() == radians.items.size();
+        const bool exact = degrees.items().size() == radians.items().size();
         Json& angles = exact ? degrees : radians;
-        (exact ? inDegrees : inRadians).add(names.of(joint), joint.getNumAngles() == 1 ? angles.items[0] : angles);
+        (exact ? inDegrees : inRadians).add(names.of(joint), joint.getNumAngles() == 1 ? angles.items()[0] : angles);
     });
-    if (!inDegrees.items.empty())
+    if (!inDegrees.items().empty())
         json.add("posture_degrees", std::move(inDegrees));
-    if (!inRadians.items.empty())
+    if (!inRadians.items().empty())
         json.add("posture_radians", std::move(inRadians));
 }
 
@@ -232,13 +234,13 @@ void SceneWriter::addProperties(Json& json, const qcScene::Member& member, const
     for (const auto& [key, object] :
          {std::pair<const char*, const qcObject*>{"human", member.human.get()}, {"figure", member.figure.get()}}) {
         Json properties = changedProperties(*object, member.loaded);
-        if (!properties.items.empty())
+        if (!properties.items().empty())
             all.add(key, std::move(properties));
     }
     Json segments = Json::object(), sites = Json::object(), joints = Json::object();
     const auto addTo = [&](Json& target, const auto& part) {
         Json properties = changedProperties(part, member.loaded);
-        if (!properties.items.empty())
+        if (!properties.items().empty())
             target.add(names.of(part), std::move(properties));
     };
     forEachIn<qcSegmentImp>(member.figure->getSegments(), [&](const auto& part) { addTo(segments, part); });
@@ -246,9 +248,9 @@ void SceneWriter::addProperties(Json& json, const qcScene::Member& member, const
     forEachIn<qcJointImp>(member.figure->getJoints(), [&](const auto& part) { addTo(joints, part); });
     for (const auto& [key, parts] :
          {std::pair<const char*, Json*>{"segments", &segments}, {"sites", &sites}, {"joints", &joints}})
-        if (!parts->items.empty())
+        if (!parts->items().empty())
             all.add(key, std::move(*parts));
-    if (!all.items.empty())
+    if (!all.items().empty())
         json.add("properties", std::move(all));
 }
 
