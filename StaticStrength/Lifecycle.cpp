@@ -212,9 +212,12 @@ qcHuman* qmStaticStrength::getHuman()
 }
 
 // Whether the host has destroyed the human or the figure: nothing of them is to be touched then.
+// Required: members that need no field of their object may be called on a null one, as Python's "NULL" does. This file
+// is built so that the compiler keeps the test.
 bool qmStaticStrength::isOrphaned(const char* member) const
 {
-    if (holds(observer))
+    const qmStaticStrength* asked = this;
+    if (!asked || holds(observer))
         return false;
     error("StaticStrength ERROR: %s: the human of %s is gone", member, getName());
     return true;

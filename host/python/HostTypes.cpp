@@ -2,8 +2,8 @@
 #include "HostTypes.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 
 namespace {
@@ -35,7 +35,8 @@ bool toSingle(const char* function, int position, double number, float& out)
     constexpr double kTooLarge = 0x1.ffffffp127;   // from here on the nearest single is infinite
     if (std::isfinite(number) && std::fabs(number) >= kTooLarge) {
         char text[64];
-        std::snprintf(text, sizeof text, "%.9g", number);
+        // as "%.9g" does, but with a decimal point whatever the process's locale is
+        *std::to_chars(text, text + sizeof text - 1, number, std::chars_format::general, 9).ptr = '\0';
         PyErr_Format(PyExc_ValueError, "Argument %d of %s is too large for single precision: %s.", position, function,
                      text);
         return false;

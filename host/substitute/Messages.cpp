@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <locale.h>
 #include <memory>
 #include <new>
 
@@ -36,8 +37,16 @@ void deliver(qcMessageKind kind, const char* text)
     std::fprintf(stderr, "%s: %s%s", kind == qcError ? "error" : "warning", text, endsLine ? "" : "\n");
 }
 
+// Numbers have a decimal point whatever the process's locale is.
+locale_t pointLocale()
+{
+    static const locale_t made = newlocale(LC_ALL_MASK, "C", nullptr);
+    return made;
+}
+
 void report(qcMessageKind kind, const char* format, va_list arguments)
 {
+    const locale_t callers = uselocale(pointLocale());
     va_list again;
     va_copy(again, arguments);
     char usual[kUsualLength] = "";
@@ -47,6 +56,7 @@ void report(qcMessageKind kind, const char* format, va_list arguments)
     if (whole)
         std::vsnprintf(whole.get(), size, format, again);
     va_end(again);
+    uselocale(callers);
     deliver(kind, whole ? whole.get() : usual);
 }
 

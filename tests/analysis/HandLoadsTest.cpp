@@ -1,6 +1,7 @@
 // Hand loads: how the figure's texts for its hands are read.
 #include "AnalysisTest.h"
 #include "DecimalComma.h"
+#include "NumberText.h"
 
 #include "HandLoads.h"
 
@@ -172,7 +173,10 @@ TEST_F(HandLoads, OddTextsAreReadLikeTheStandardScan)
                              "1 2 3kgf",
                              "1f 2f"}) {
         float x = 7777, y = 0, z = 0;
-        const int count = std::sscanf(text, "%f %f %f", &x, &y, &z);
+        const int count = [&] {
+            const StandardLocale standard;
+            return std::sscanf(text, "%f %f %f", &x, &y, &z);
+        }();
         if (count == 1) {
             y = x;
             x = 0;

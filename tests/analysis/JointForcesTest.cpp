@@ -2,6 +2,7 @@
 #include "WalkFixture.h"
 
 #include "DecimalComma.h"
+#include "NumberText.h"
 
 #include <cmath>
 #include <limits>
@@ -787,7 +788,7 @@ std::string chainText(int links, const char* mass, double dx, double dy)
 {
     std::string segments, sites, joints;
     const auto matrix = [&](int i) {
-        return "[[1,0,0,0],[0,1,0,0],[0,0,1,0],[" + std::to_string(dx * i) + "," + std::to_string(dy * i) + ",0,1]]";
+        return "[[1,0,0,0],[0,1,0,0],[0,0,1,0],[" + numberText(dx * i) + "," + numberText(dy * i) + ",0,1]]";
     };
     for (int i = 0; i <= links; ++i) {
         const std::string name = "s" + std::to_string(i), place = matrix(i), comma = i ? "," : "";

@@ -7,6 +7,7 @@
 #include "AnalysisTest.h"
 #include "Chance.h"
 #include "NaiveAnalysis.h"
+#include "NumberText.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -212,9 +213,10 @@ protected:
             }
             case Told::kHand: {
                 const std::string key = one.part == "right" ? "RightZelHandLoads" : "LeftZelHandLoads";
-                char text[80];
-                std::snprintf(text, sizeof text, "%.6f %.6f %.6f", one.load.x, one.load.y, one.load.z);
-                figure->setProperty(key.c_str(), qcValue(text));
+                std::string text;
+                for (const double component : {one.load.x, one.load.y, one.load.z})
+                    text += numberText(component, 6, std::chars_format::fixed) + " ";
+                figure->setProperty(key.c_str(), qcValue(text.c_str()));
                 if (one.local)
                     figure->setProperty((key + "Local").c_str(), qcValue("1"));
                 break;

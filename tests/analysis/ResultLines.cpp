@@ -1,10 +1,10 @@
 // Result lines.
 #include "ResultLines.h"
 
+#include "NumberText.h"
 #include "Support.h"
 
 #include <cmath>
-#include <cstdio>
 #include <initializer_list>
 #include <map>
 #include <sstream>
@@ -45,9 +45,7 @@ std::string hexadecimal(float number)
 {
     if (std::isnan(number))
         return "nan";   // sign and payload are the machine's affair
-    char text[40];
-    std::snprintf(text, sizeof text, "%a", double(number));
-    return text;
+    return hexadecimalText(double(number));
 }
 
 ResultLines inputLines(qmStaticStrength& analysis)

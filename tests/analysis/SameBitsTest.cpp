@@ -8,6 +8,7 @@
 // by second ways: by direct sums in double, with bounds, and by transcriptions in float, to the bit.
 #include "AnalysisTest.h"
 #include "NaiveAnalysis.h"
+#include "NumberText.h"
 #include "ResultLines.h"
 #include "StrategyTranscription.h"
 
@@ -118,7 +119,10 @@ protected:
         for (const qcSide side : {qcRight, qcLeft}) {
             const std::string key = side == qcRight ? "RightZelHandLoads" : "LeftZelHandLoads";
             float x = 0, y = 0, z = 0;
-            const int count = std::sscanf(figureText(key).c_str(), "%f %f %f", &x, &y, &z);
+            const int count = [&] {
+                const StandardLocale standard;
+                return std::sscanf(figureText(key).c_str(), "%f %f %f", &x, &y, &z);
+            }();
             const bool local = std::atoi(figureText(key + "Local").c_str()) != 0;
             if (count > 0)
                 walk.hands[side] =

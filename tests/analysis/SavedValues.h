@@ -1,12 +1,13 @@
 // Saved values: building property values in a test, and telling exactly what a property holds.
 #pragma once
 
+#include "NumberText.h"
+
 #include "qc/qcObject.h"
 #include "qc/qcValue.h"
 
 #include <nlohmann/json.hpp>
 
-#include <cstdio>
 #include <initializer_list>
 #include <string>
 
@@ -50,11 +51,7 @@ inline qcValue list(std::initializer_list<qcValue> elements)
 /// empty. Nine digits tell every float apart.
 inline std::string describe(const qcValue& value)
 {
-    const auto digits = [](float component) {
-        char buffer[40];
-        std::snprintf(buffer, sizeof buffer, "%.9g", double(component));
-        return std::string(buffer);
-    };
+    const auto digits = [](float component) { return numberText(double(component)); };
 
     if (value.kind == 9) {
         std::string elements;

@@ -2,6 +2,7 @@
 #include "Chance.h"
 #include "ComputeSupport.h"
 #include "NaiveAnalysis.h"
+#include "NumberText.h"
 
 #include <cmath>
 #include <cstdio>
@@ -535,6 +536,7 @@ TEST_F(Sitting, PrintsTheDerivedNumbers)
         const std::size_t at = output.find(std::string("\n") + label + "[");
         ASSERT_NE(at, std::string::npos) << label;
         float x, y, z;
+        const StandardLocale standard;
         ASSERT_EQ(std::sscanf(output.c_str() + at + 1 + std::string(label).size(), "[%f][%f][%f]", &x, &y, &z), 3);
         SCOPED_TRACE(label);
         expectNear(qVector(x, y, z), expected, bound + 1e-6);   // six decimals are printed
@@ -559,6 +561,7 @@ TEST_F(Sitting, TurnsMomentsBackByAFactorNarrowedOnce)
     const std::size_t at = output.find("\npreTotal Moment[");
     ASSERT_NE(at, std::string::npos);
     float x, y, z;
+    const StandardLocale standard;
     ASSERT_EQ(std::sscanf(output.c_str() + at, "\npreTotal Moment[%f][%f][%f]", &x, &y, &z), 3);
     const float factor = static_cast<float>(1.0 / (double(980.665f) * 0.0001));
     EXPECT_EQ(y, 10000.0f * factor);

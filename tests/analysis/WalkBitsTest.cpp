@@ -2,10 +2,10 @@
 #include "WalkFixture.h"
 
 #include "Chance.h"
+#include "NumberText.h"
 #include "PlainWalk.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <utility>
 
 namespace {
@@ -205,11 +205,8 @@ protected:
         const qVector v = narrowed(chance.vector(30));
         const bool local = chance.coin();
         std::string text;
-        for (std::size_t i = 0; i < count; ++i) {
-            char number[40];
-            std::snprintf(number, sizeof number, "%.9g ", double(v[static_cast<int>(i)]));
-            text += number;
-        }
+        for (std::size_t i = 0; i < count; ++i)
+            text += numberText(double(v[static_cast<int>(i)])) + " ";
         figure->setProperty((name + "ZelHandLoads").c_str(), qcValue(text.c_str()));
         figure->setProperty((name + "ZelHandLoadsLocal").c_str(), qcValue(local ? "1" : "0"));
         const PlainWalk::Vector load =

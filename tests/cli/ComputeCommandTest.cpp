@@ -1,4 +1,5 @@
 // compute: what each option does to the results, and the formats in which they are shown.
+#include "NumberText.h"
 #include "Program.h"
 
 #include <cmath>
@@ -327,9 +328,9 @@ TEST_F(ComputeCommand, WritesTheDocumentedCsvColumns)
         const nlohmann::json joint = jointOf(output, fields[0]);
         EXPECT_EQ(joint["status"], fields[3]);
         if (fields[3] == "result") {
-            EXPECT_EQ(joint["force_y_kgf"].get<float>(), std::stof(fields[5])) << line;
-            EXPECT_EQ(joint["force_n"].get<float>(), std::stof(fields[8])) << line;
-            EXPECT_EQ(joint["moment_nm"].get<float>(), std::stof(fields[12])) << line;
+            EXPECT_EQ(joint["force_y_kgf"].get<float>(), numberIn<float>(fields[5])) << line;
+            EXPECT_EQ(joint["force_n"].get<float>(), numberIn<float>(fields[8])) << line;
+            EXPECT_EQ(joint["moment_nm"].get<float>(), numberIn<float>(fields[12])) << line;
         }
         ++rows;
     }

@@ -1,5 +1,6 @@
 // Failed save: on a full disk or in a folder that takes no files, the program says so and keeps the old scene.
 #include "Program.h"
+#include "Reason.h"
 #include "SmallDisk.h"
 
 #include <filesystem>
@@ -42,7 +43,7 @@ TEST_F(FailedSave, OnAFullDiskNewSceneKeepsTheOldOne)
         runOnSmallDisk({"new-scene", SSTR_SOURCE_DIR "/figures/human.urdf", scene, "--name", "other", "--force"}, "");
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.out, "");
-    EXPECT_EQ(run.err, "sstr: error: " + scene + ": cannot be written: File too large.\n");
+    EXPECT_EQ(run.err, "sstr: error: " + scene + ": cannot be written: " + reason(EFBIG) + "\n");
     EXPECT_EQ(contentOf(scene), before);
     EXPECT_EQ(filesInFolder(), 1);
 }
@@ -52,7 +53,7 @@ TEST_F(FailedSave, OnAFullDiskNewSceneLeavesNoBeginning)
     const std::string target = folder.file("new.json");
     const ProgramRun run = runOnSmallDisk({"new-scene", SSTR_SOURCE_DIR "/figures/human.urdf", target}, "");
     EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "sstr: error: " + target + ": cannot be written: File too large.\n");
+    EXPECT_EQ(run.err, "sstr: error: " + target + ": cannot be written: " + reason(EFBIG) + "\n");
     EXPECT_EQ(filesInFolder(), 1);
 }
 
@@ -61,7 +62,7 @@ TEST_F(FailedSave, OnAFullDiskComputeKeepsTheSceneThatItRead)
     const ProgramRun run = runOnSmallDisk(
         {"compute", scene, "--weight", "right_hand.right_palmcenter=5000", "--save", scene}, "/dev/null");
     EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "sstr: error: " + scene + ": cannot be written: File too large.\n");
+    EXPECT_EQ(run.err, "sstr: error: " + scene + ": cannot be written: " + reason(EFBIG) + "\n");
     EXPECT_EQ(contentOf(scene), before);
     EXPECT_EQ(filesInFolder(), 1);
 }

@@ -1,4 +1,5 @@
 // Wrong URDF files: each is refused with one message that names file, line, element, found and expected.
+#include "Reason.h"
 #include "UrdfTexts.h"
 
 #include <sys/stat.h>
@@ -197,8 +198,7 @@ TEST_F(UrdfTest, AFileCutShortAnywhereIsRefused)
 TEST_F(UrdfTest, AMissingFileIsReported)
 {
     const std::string path = folder.file("none.urdf");
-    EXPECT_EQ(refusal(qcFigureFile::read(path.c_str(), nullptr)),
-              "none.urdf: cannot be read: No such file or directory.");
+    EXPECT_EQ(refusal(qcFigureFile::read(path.c_str(), nullptr)), "none.urdf: cannot be read: " + reason(ENOENT));
 }
 
 TEST_F(UrdfTest, ADirectoryIsReported)

@@ -1,4 +1,5 @@
 // The default human as the host reads it: all of it is where its tables say, and it scales.
+#include "NumberText.h"
 #include "UrdfTexts.h"
 
 #include "qc/qcHuman.h"
@@ -47,7 +48,7 @@ std::vector<Row> table(const std::string& sex)
 
 double number(const Row& row, const std::string& column)
 {
-    return std::strtod(row.at(column).c_str(), nullptr);
+    return numberIn<double>(row.at(column));
 }
 
 class DefaultHuman : public MessageTest {

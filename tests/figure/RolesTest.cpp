@@ -1,4 +1,6 @@
 // Roles files: renaming, added sites, the order of angles, roles, the body's measures, and wrong ones.
+#include "DecimalComma.h"
+#include "Reason.h"
 #include "UrdfTexts.h"
 
 #include "qc/qcHuman.h"
@@ -123,7 +125,14 @@ TEST_F(UrdfTest, AMissingRolesFileIsReported)
 {
     const std::string model = folder.write("model.urdf", kLeg);
     EXPECT_EQ(refusal(qcFigureFile::read(model.c_str(), folder.file("none.json").c_str())),
-              "none.json: cannot be read: No such file or directory.");
+              "none.json: cannot be read: " + reason(ENOENT));
+}
+
+TEST_F(UrdfTest, ARefusalHasADecimalPointInEveryLocale)
+{
+    const DecimalComma comma;
+    EXPECT_THAT(problem(kLeg, R"({"base": {"mass_kg": 1000.5}})"),
+                StartsWith("given.json: /base/mass_kg: expected a body mass in kg, 0.001 to 1000, found 1000.5."));
 }
 
 // 20 kg as loaded; the other sex: 10 kg, of which the pelvis, the thigh and the shank have 50, 30 and 20 %.

@@ -1,4 +1,5 @@
 // Messages: formatted as printf does, whole, to a sink or to standard error.
+#include "DecimalComma.h"
 #include "Support.h"
 
 using ::testing::ElementsAre;
@@ -15,6 +16,16 @@ TEST(Messages, AreFormattedAsPrintfDoes)
     EXPECT_EQ(messages[0].text, "joint knee: -3 of  2.50%");
     EXPECT_EQ(messages[1].kind, qcWarning);
     EXPECT_EQ(messages[1].text, "ab  |c|0000beef");
+}
+
+TEST(Messages, HaveADecimalPointInEveryLocale)
+{
+    MessageLog log;
+    const DecimalComma comma;
+    error("%.2f kg", 0.5);
+    warning("%g cm", -1.25);
+    EXPECT_THAT(log.takeTexts(), ElementsAre("0.50 kg", "-1.25 cm"));
+    EXPECT_TRUE(DecimalComma::inForce());   // the process keeps its locale
 }
 
 TEST(Messages, ReturnZero)

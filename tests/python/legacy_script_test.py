@@ -1,4 +1,5 @@
 """The example script on the flat modules alone runs, under every Python, and tells the numbers of the README."""
+import errno
 import os
 import subprocess
 import sys
@@ -37,7 +38,8 @@ class LegacyScript(TestCase):
         output, errors = process.communicate()
         self.assertEqual((process.returncode, output), (1, b""))
         path = os.path.join("nowhere", "lift_box.json")
-        self.assertEqual(errors.decode("ascii"), "error: %s: cannot be read: No such file or directory.\n" % path)
+        self.assertEqual(errors.decode("utf-8"),
+                         "error: %s: cannot be read: %s.\n" % (path, os.strerror(errno.ENOENT)))
 
 
 if __name__ == "__main__":

@@ -1,4 +1,5 @@
 """libqcc: a save that fails keeps the old scene."""
+import errno
 import os
 import resource
 import signal
@@ -33,7 +34,7 @@ class FailedSave(HostTest):
             resource.setrlimit(resource.RLIMIT_FSIZE, before)
             signal.signal(signal.SIGXFSZ, signal_before)
         self.assertEqual(saved, 0)
-        self.assertEqual(self.take_one_error(), self.target + ": cannot be written: File too large.")
+        self.assertEqual(self.take_one_error(), self.target + ": cannot be written: " + os.strerror(errno.EFBIG) + ".")
         self.assertEqual(content_of(self.target), self.before)
         self.assertEqual(os.listdir(self.folder), ["scene.json"])
         self.assertEqual(qc.qcScene_save(self.scene, self.target), 1)
@@ -41,7 +42,7 @@ class FailedSave(HostTest):
 
     def test_full_device_is_said(self):
         self.assertEqual(qc.qcScene_save(self.scene, "/dev/full"), 0)
-        self.assertEqual(self.take_one_error(), "/dev/full: cannot be written: No space left on device.")
+        self.assertEqual(self.take_one_error(), "/dev/full: cannot be written: " + os.strerror(errno.ENOSPC) + ".")
 
     def test_folder_that_takes_no_files_is_said(self):
         # a folder of the system in which not even the superuser makes files

@@ -1,4 +1,6 @@
 """libqcc: the simulation, the scripts that run in it, and messages."""
+import errno
+import os
 import subprocess
 import sys
 
@@ -7,6 +9,9 @@ import libqcc as qc
 import libqmSSTRc as ss
 from qcc_support import DEFAULT_HUMAN, HostTest, native_text
 from support import main
+
+# of a file; the reason is the system's, in the process's language
+MISSING = "error: %s: cannot be read: " + os.strerror(errno.ENOENT) + "."
 
 BOUND = ("qc_simfunc", "StaticStrength")
 
@@ -242,7 +247,7 @@ class Messages(HostTest):
         missing = [self.path(name) for name in ("one.json", "two.json")]
         for path in missing:
             qc.qcScene_open(path)
-        expected = [("error", path + ": cannot be read: No such file or directory.") for path in missing]
+        expected = [("error", path + ": cannot be read: " + os.strerror(errno.ENOENT) + ".") for path in missing]
         self.assertEqual(qc.qcMessages_take(), expected)
         self.assertEqual(qc.qcMessages_take(), [])
 
@@ -271,16 +276,14 @@ class Process(HostTest):
         status, out, err = self.run_script("import libqcc as qc\nqc.qcScene_open('one')\nqc.qcMessages_take()\n"
                                            "qc.qcScene_open('two')\nqc.qcScene_open('three')\nprint('done')")
         self.assertEqual((status, out.strip()), (0, "done"))
-        self.assertEqual(err.splitlines(), ["error: two: cannot be read: No such file or directory.",
-                                            "error: three: cannot be read: No such file or directory."])
+        self.assertEqual(err.splitlines(), [MISSING % "two", MISSING % "three"])
 
     def test_of_more_than_ten_thousand_messages_the_oldest_are_shown(self):
         status, out, err = self.run_script("import libqcc as qc\nfor i in range(10002): qc.qcScene_open('f%d' % i)\n"
                                            "m = qc.qcMessages_take()\nprint(len(m))\nprint(m[0][1][:3])\n"
                                            "print(m[-1][1][:7])")
         self.assertEqual((status, out.split()), (0, ["10000", "f2:", "f10001:"]))
-        self.assertEqual(err.splitlines(), ["error: f0: cannot be read: No such file or directory.",
-                                            "error: f1: cannot be read: No such file or directory."])
+        self.assertEqual(err.splitlines(), [MISSING % "f0", MISSING % "f1"])
 
     def test_scene_and_active_analysis_may_be_left_open_at_the_end(self):
         status, out, err = self.run_script(

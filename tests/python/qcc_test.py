@@ -1,4 +1,5 @@
 """libqcc: its table, wrong arguments, vectors, scenes, humans, figures and their parts."""
+import errno
 import json
 import math
 import os
@@ -197,7 +198,7 @@ class Scenes(HostTest):
     def test_human_that_cannot_be_added_is_null_after_an_error_message(self):
         missing = self.path("missing.urdf")
         self.assertEqual(qc.qcScene_addHuman(self.scene, missing, "man"), "NULL")
-        self.assertEqual(self.take_one_error(), missing + ": cannot be read: No such file or directory.")
+        self.assertEqual(self.take_one_error(), missing + ": cannot be read: " + os.strerror(errno.ENOENT) + ".")
         self.assertEqual(qc.qcScene_addPosedHuman(self.scene, "{"), "NULL")
         self.assertNotEqual(self.take_one_error(), "")
         self.posed_human("man")
@@ -209,7 +210,7 @@ class Scenes(HostTest):
     def test_scene_that_cannot_be_opened_is_null_after_an_error_message(self):
         missing = self.path("missing.json")
         self.assertEqual(qc.qcScene_open(missing), "NULL")
-        self.assertEqual(self.take_one_error(), missing + ": cannot be read: No such file or directory.")
+        self.assertEqual(self.take_one_error(), missing + ": cannot be read: " + os.strerror(errno.ENOENT) + ".")
 
     def test_scene_that_cannot_be_saved_is_0_after_an_error_message(self):
         target = os.path.join(self.folder, "no folder", "scene.json")
@@ -266,7 +267,7 @@ class Scenes(HostTest):
     def test_file_s_name_comes_back_unchanged_in_a_message(self):
         path = self.path(native_text(b"\xff \xc3\xa9.json"))
         self.assertEqual(qc.qcScene_open(path), "NULL")
-        self.assertEqual(self.take_one_error(), path + ": cannot be read: No such file or directory.")
+        self.assertEqual(self.take_one_error(), path + ": cannot be read: " + os.strerror(errno.ENOENT) + ".")
 
     def test_file_s_name_may_be_of_python_s_other_text_type(self):
         name = self.path("scene.json")

@@ -1,4 +1,5 @@
 // Scenes: what is refused, and in which words.
+#include "Reason.h"
 #include "SceneSupport.h"
 
 using ::testing::HasSubstr;
@@ -38,7 +39,7 @@ TEST_F(SceneErrors, FilesThatAreNone)
 {
     EXPECT_FALSE(openScene(folder.file("none.json")));
     EXPECT_THAT(log.takeTexts(),
-                ::testing::ElementsAre(folder.file("none.json") + ": cannot be read: No such file or directory."));
+                ::testing::ElementsAre(folder.file("none.json") + ": cannot be read: " + reason(ENOENT)));
     EXPECT_FALSE(openScene(folder.path()));
     EXPECT_THAT(log.takeTexts(), ::testing::ElementsAre(folder.path() + ": expected a file, found a directory."));
     EXPECT_FALSE(qcScene::open(nullptr));

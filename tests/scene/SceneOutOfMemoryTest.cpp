@@ -1,5 +1,6 @@
 // Out of memory with files: one clear message, nothing half added, nothing lost, the old file or the new one whole.
 #include "CountedHeap.h"
+#include "Reason.h"
 #include "SceneSupport.h"
 
 #include <cstdlib>
@@ -73,7 +74,7 @@ void expectClear(const std::string& message)
     const std::string first = message.substr(0, firstLine), rest = message.substr(firstLine + 1);
     // the second is the system's own text, where opening a file takes memory
     EXPECT_TRUE(first.find("there is not enough memory.") != std::string::npos
-                || first.find("Cannot allocate memory.") != std::string::npos)
+                || first.find(reason(ENOMEM)) != std::string::npos)
         << message;
     EXPECT_TRUE(rest.empty() || rest.find("the message before this one says why.\n") != std::string::npos) << message;
 }
@@ -109,6 +110,7 @@ bool tryOnce(const Case& each, long n, FixedMessageLog& log)
 TEST_P(SceneOutOfMemory, IsReportedOnceAndLeavesNothingHalf)
 {
     tryOnce(GetParam(), 0, log);   // what is made once for the whole process
+    reason(ENOMEM);                // and the system's texts in its language
     const long alive = CountedHeap::liveBlocks();
     long n = 1;
     while (tryOnce(GetParam(), n, log)) {

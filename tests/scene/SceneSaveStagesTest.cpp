@@ -2,6 +2,7 @@
 //
 // This program has functions of the system's names in front of the system's own, which the libraries then call too.
 // They pass everything on, but for the one call that a test lets fail.
+#include "Reason.h"
 #include "SceneSupport.h"
 
 #include <cerrno>
@@ -132,7 +133,7 @@ namespace {
 struct Stage {
     const char* name;   // of the test
     Fault fault;
-    const char* reason;
+    int reason;   // the errno whose text the message tells
 };
 
 void PrintTo(const Stage& stage, std::ostream* out)
@@ -183,7 +184,7 @@ TEST_P(SceneSaveStages, KeepsTheOldSceneAndSaysWhy)
 {
     EXPECT_EQ(saveWith(GetParam().fault), 0);
     ASSERT_EQ(failures, 1);   // the fault was met
-    EXPECT_THAT(log.takeTexts(), ElementsAre(path + ": cannot be written: " + GetParam().reason));
+    EXPECT_THAT(log.takeTexts(), ElementsAre(path + ": cannot be written: " + reason(GetParam().reason)));
     EXPECT_EQ(contentOf(path), old);
     EXPECT_THAT(files(), ElementsAre("a.json"));
 
@@ -195,17 +196,17 @@ TEST_P(SceneSaveStages, KeepsTheOldSceneAndSaysWhy)
 }
 
 const Stage stages[] = {
-    {"FullAtThePermissions", {Call::kFchmod, ENOSPC}, "No space left on device."},
-    {"FullAtTheFirstByte", {Call::kWrite, ENOSPC}, "No space left on device."},
-    {"FullHalfWay", {Call::kWrite, ENOSPC, 1, true}, "No space left on device."},
-    {"FullAtTheLastByte", {Call::kWrite, ENOSPC, 8, true}, "No space left on device."},
-    {"QuotaHalfWay", {Call::kWrite, EDQUOT, 1, true}, "Disk quota exceeded."},
-    {"NoProgress", {Call::kWrite, 0, 1, true}, "Input/output error."},
-    {"FullAtTheFlush", {Call::kSync, ENOSPC}, "No space left on device."},
-    {"BrokenAtTheFlush", {Call::kSync, EIO}, "Input/output error."},
-    {"QuotaAtTheClose", {Call::kClose, EDQUOT, 0, false, true}, "Disk quota exceeded."},
-    {"FullAtTheRenaming", {Call::kRename, ENOSPC}, "No space left on device."},
-    {"ReadOnlyAtTheRenaming", {Call::kRename, EROFS}, "Read-only file system."},
+    {"FullAtThePermissions", {Call::kFchmod, ENOSPC}, ENOSPC},
+    {"FullAtTheFirstByte", {Call::kWrite, ENOSPC}, ENOSPC},
+    {"FullHalfWay", {Call::kWrite, ENOSPC, 1, true}, ENOSPC},
+    {"FullAtTheLastByte", {Call::kWrite, ENOSPC, 8, true}, ENOSPC},
+    {"QuotaHalfWay", {Call::kWrite, EDQUOT, 1, true}, EDQUOT},
+    {"NoProgress", {Call::kWrite, 0, 1, true}, EIO},
+    {"FullAtTheFlush", {Call::kSync, ENOSPC}, ENOSPC},
+    {"BrokenAtTheFlush", {Call::kSync, EIO}, EIO},
+    {"QuotaAtTheClose", {Call::kClose, EDQUOT, 0, false, true}, EDQUOT},
+    {"FullAtTheRenaming", {Call::kRename, ENOSPC}, ENOSPC},
+    {"ReadOnlyAtTheRenaming", {Call::kRename, EROFS}, EROFS},
 };
 INSTANTIATE_TEST_SUITE_P(Failing, SceneSaveStages, ::testing::ValuesIn(stages),
                          [](const auto& tested) { return tested.param.name; });
@@ -216,7 +217,7 @@ TEST_F(SceneSaving, ADiskWithoutRoomForAnotherFileIsSaid)
 {
     EXPECT_EQ(saveWith({Call::kOpen, ENOSPC}), 0);
     EXPECT_THAT(log.takeTexts(), ElementsAre(path + ": cannot be written: no file can be made in the folder \""
-                                             + folder.path() + "\": No space left on device."));
+                                             + folder.path() + "\": " + reason(ENOSPC)));
     EXPECT_EQ(contentOf(path), old);
     EXPECT_THAT(files(), ElementsAre("a.json"));
 }
@@ -227,7 +228,7 @@ TEST_F(SceneSaving, AFolderThatCannotBeFlushedHasTheNewSceneWhole)
     EXPECT_EQ(saveWith({Call::kSyncFolder, EIO, 1}), 0);   // after the file's own flush
     EXPECT_EQ(failures, 1);
     EXPECT_THAT(log.takeTexts(),
-                ElementsAre(path + ": is written, but its folder cannot be flushed to the disk: Input/output error."));
+                ElementsAre(path + ": is written, but its folder cannot be flushed to the disk: " + reason(EIO)));
     EXPECT_NE(contentOf(path), old);
     EXPECT_TRUE(openScene(path));
     EXPECT_THAT(files(), ElementsAre("a.json"));

@@ -1,4 +1,5 @@
 // Saving: the old file or the new one, whole, whatever happens.
+#include "Reason.h"
 #include "SceneSupport.h"
 #include "SmallDisk.h"
 
@@ -54,7 +55,7 @@ TEST_F(SceneSave, ADiskThatIsFullKeepsTheOldFile)
         ASSERT_TRUE(disk.set);
         EXPECT_EQ(scene.save(path.c_str()), 0);
     }
-    EXPECT_THAT(log.takeTexts(), ElementsAre(path + ": cannot be written: File too large."));
+    EXPECT_THAT(log.takeTexts(), ElementsAre(path + ": cannot be written: " + reason(EFBIG)));
     EXPECT_EQ(contentOf(path), "old");
     EXPECT_THAT(filesIn(folder.path()), ElementsAre("a.json"));
 }
@@ -63,7 +64,7 @@ TEST_F(SceneSave, AFullDeviceIsSaid)
 {
     if (!fs::is_character_file("/dev/full"))
         FAIL() << "there is no /dev/full here";
-    EXPECT_EQ(failure("/dev/full"), "/dev/full: cannot be written: No space left on device.");
+    EXPECT_EQ(failure("/dev/full"), "/dev/full: cannot be written: " + reason(ENOSPC));
     EXPECT_TRUE(fs::is_character_file("/dev/full"));   // a device is never replaced
 }
 
@@ -72,7 +73,7 @@ TEST_F(SceneSave, AMissingFolderIsSaid)
     EXPECT_EQ(failure(folder.file("no/a.json")), folder.file("no/a.json")
                                                      + ": cannot be written: no file can be made "
                                                        "in the folder \""
-                                                     + folder.file("no") + "\": No such file or directory.");
+                                                     + folder.file("no") + "\": " + reason(ENOENT));
     EXPECT_THAT(filesIn(folder.path()), ElementsAre());
 }
 
@@ -87,7 +88,7 @@ TEST_F(SceneSave, AFolderIsNoFile)
 TEST_F(SceneSave, AFileInTheWayOfTheFolderIsSaid)
 {
     folder.write("file", "x");
-    EXPECT_THAT(failure(folder.file("file/a.json")), ::testing::HasSubstr("Not a directory."));
+    EXPECT_THAT(failure(folder.file("file/a.json")), ::testing::HasSubstr(reason(ENOTDIR)));
     EXPECT_EQ(contentOf(folder.file("file")), "x");
 }
 
@@ -103,12 +104,12 @@ TEST_F(SceneSave, AFolderOrFileThatIsWriteProtectedIsSaid)
         constexpr uid_t kNobody = 65534;
         if (geteuid() == 0 && setuid(kNobody) != 0)
             _exit(9);
-        const bool fileKept = failure(guarded) == guarded + ": cannot be written: Permission denied.";
+        const bool fileKept = failure(guarded) == guarded + ": cannot be written: " + reason(EACCES);
         const bool folderKept = failure(folder.file("locked/a.json"))
                                 == folder.file("locked/a.json")
                                        + ": cannot be written: no file can be made in the "
                                          "folder \""
-                                       + folder.file("locked") + "\": Permission denied.";
+                                       + folder.file("locked") + "\": " + reason(EACCES);
         _exit((fileKept ? 0 : 1) + (folderKept ? 0 : 2));
     };
     EXPECT_EXIT(both(), ::testing::ExitedWithCode(0), "");
@@ -149,7 +150,7 @@ TEST_F(SceneSave, FollowsASymbolicLink)
     EXPECT_TRUE(openScene(folder.file("there/real.json")));   // the figure's path fits the real file's folder
     EXPECT_TRUE(openScene(folder.file("there/new.json")));
     fs::create_symlink("loop.json", folder.file("loop.json"));
-    EXPECT_THAT(failure(folder.file("loop.json")), ::testing::HasSubstr("Too many levels of symbolic links."));
+    EXPECT_THAT(failure(folder.file("loop.json")), ::testing::HasSubstr(reason(ELOOP)));
 }
 
 // What no file can hold is found before a file is touched.

@@ -1,4 +1,5 @@
 // Scenes: what a file says is what opens, and a saved scene opens as it was.
+#include "NumberText.h"
 #include "SceneSupport.h"
 
 #include <cmath>
@@ -205,7 +206,7 @@ TEST_F(SceneTest, AnglesAreSavedAsTheShortestDegreesThatAreTheSameBits)
     qcJointImp* knee = human->figure->findJoint("left_knee");
     EXPECT_FALSE(saved(scene)["humans"][0].contains("posture_degrees"));
     for (const char* degrees : {"30", "0.1", "12.5", "57.3", "89.99", "1e-05"}) {
-        ASSERT_TRUE(knee->setAngle(1, std::stod(degrees) * kRadiansPerDegree));
+        ASSERT_TRUE(knee->setAngle(1, numberIn<double>(degrees) * kRadiansPerDegree));
         saved(scene);
         EXPECT_THAT(contentOf(folder.file("saved.json")), HasSubstr("\"left_knee\": " + std::string(degrees) + "}"));
     }

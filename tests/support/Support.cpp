@@ -1,6 +1,8 @@
 // Test support.
 #include "Support.h"
 
+#include "NumberText.h"
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -11,7 +13,7 @@ namespace {
 double toleranceScale()
 {
     const char* text = std::getenv("SSTR_TEST_TOLERANCE");
-    return text ? std::strtod(text, nullptr) : 1.0;
+    return text ? numberIn<double>(text) : 1.0;
 }
 
 }   // namespace

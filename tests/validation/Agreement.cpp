@@ -1,11 +1,10 @@
 // Agreement.
 #include "Agreement.h"
 
+#include "NumberText.h"
 #include "WalkSums.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
 namespace {
 
@@ -43,17 +42,13 @@ Decision decisionBy(double force, double moment)
 
 std::string text(const Vec& v)
 {
-    std::array<char, 100> buffer;
-    std::snprintf(buffer.data(), buffer.size(), "(%.9g, %.9g, %.9g)", hostComponent(v, 0), hostComponent(v, 1),
-                  hostComponent(v, 2));
-    return buffer.data();
+    return "(" + numberText(hostComponent(v, 0)) + ", " + numberText(hostComponent(v, 1)) + ", "
+           + numberText(hostComponent(v, 2)) + ")";
 }
 
 std::string text(double number)
 {
-    std::array<char, 32> buffer;
-    std::snprintf(buffer.data(), buffer.size(), "%.3g", number);
-    return buffer.data();
+    return numberText(number, 3);
 }
 
 class Comparison {

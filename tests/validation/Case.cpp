@@ -2,9 +2,8 @@
 #include "Case.h"
 
 #include "Chance.h"
+#include "NumberText.h"
 
-#include <array>
-#include <cstdio>
 #include <string>
 
 namespace {
@@ -103,9 +102,7 @@ constexpr const char* kHandLocalKeys[2] = {"RightZelHandLoadsLocal", "LeftZelHan
 // Nine digits bring a float back to the bit.
 std::string text(const qVector& v)
 {
-    std::array<char, 64> text;
-    std::snprintf(text.data(), text.size(), "%.9g %.9g %.9g", double(v[0]), double(v[1]), double(v[2]));
-    return text.data();
+    return numberText(double(v[0])) + " " + numberText(double(v[1])) + " " + numberText(double(v[2]));
 }
 
 void tellLoads(const Case& drawn, HostFigure& host, qmStaticStrength& analysis)

@@ -1,6 +1,8 @@
 // Loading: from what was told to forces at points.
 #include "Loading.h"
 
+#include "NumberText.h"
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -117,7 +119,7 @@ double rounding()
 {
     static const double scaled = [] {
         const char* scale = std::getenv("SSTR_TEST_TOLERANCE");
-        return (scale ? std::strtod(scale, nullptr) : 1.0) * 1.001 / (1 << 24);
+        return (scale ? numberIn<double>(scale) : 1.0) * 1.001 / (1 << 24);
     }();
     return scaled;
 }

@@ -1,4 +1,5 @@
 // MuJoCo as a witness: kinematics, centres of mass, and inverse dynamics at rest.
+#include "NumberText.h"
 #include "Witness.h"
 
 #include <mujoco/mujoco.h>
@@ -6,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdio>
 #include <stdexcept>
 #include <string>
 
@@ -17,9 +17,7 @@ constexpr double kAnyInertia = 0.01;
 
 std::string number(double value)
 {
-    std::array<char, 32> text;
-    std::snprintf(text.data(), text.size(), "%.17g", value);
-    return text.data();
+    return numberText(value, 17);
 }
 
 std::string numbers(const Vec& v)

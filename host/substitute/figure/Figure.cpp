@@ -1,12 +1,12 @@
 // Figure: its parts, their names, and when their transforms are worked out.
 #include "qc/qcFigure.h"
 
+#include "MessageNumber.h"
 #include "Posture.h"
 
 #include "qc/qcMessages.h"
 
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <deque>
 #include <string_view>
@@ -23,13 +23,6 @@ void freeList(qList** list)
 {
     while (*list)
         qList::deleteNode(list, *list, nullptr);
-}
-
-std::string number(double value)
-{
-    char text[32];
-    std::snprintf(text, sizeof text, "%.6g", value);
-    return text;
 }
 
 }   // namespace
@@ -248,8 +241,9 @@ std::string qcJointImp::angleProblem(int i, double radians) const
     if (!angle.limited || (radians >= angle.lower - kRounding && radians <= angle.upper + kRounding))
         return "";
     return (angle.name.empty() ? "angle " + std::to_string(i) : angle.name) + " of "
-           + number(radians * kDegreesPerRadian) + " degrees is outside its limits, "
-           + number(angle.lower * kDegreesPerRadian) + " to " + number(angle.upper * kDegreesPerRadian) + " degrees";
+           + messageNumber(radians * kDegreesPerRadian) + " degrees is outside its limits, "
+           + messageNumber(angle.lower * kDegreesPerRadian) + " to " + messageNumber(angle.upper * kDegreesPerRadian)
+           + " degrees";
 }
 
 int qcJointImp::setAngle(int i, double radians)

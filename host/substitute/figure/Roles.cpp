@@ -2,13 +2,13 @@
 #include "Roles.h"
 
 #include "Files.h"
+#include "MessageNumber.h"
 #include "scene/JsonReader.h"
 
 #include "qc/qcFigure.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <optional>
 #include <unordered_map>
 #include <utility>
@@ -38,9 +38,7 @@ std::string nameAt(const JsonAt& at)
 
 double numberIn(const JsonAt& at, const std::string& what, double least, double most)
 {
-    char range[64];
-    std::snprintf(range, sizeof range, ", %g to %g", least, most);
-    const std::string expected = what + range;
+    const std::string expected = what + ", " + messageNumber(least) + " to " + messageNumber(most);
     const double number = at.number(expected.c_str());
     if (!(number >= least && number <= most))
         at.failExpected(expected);
@@ -302,10 +300,8 @@ private:
     {
         if (std::fabs(told - sum) <= kMassRounding * sum)
             return;
-        char text[128];
-        std::snprintf(text, sizeof text, "the body's mass is %g kg, the sum of its segments, not %g kg as told.",
-                      sum / 1000, told / 1000);
-        plan.notes.push_back(place("base", "mass_kg") + ": " + text);
+        plan.notes.push_back(place("base", "mass_kg") + ": the body's mass is " + messageNumber(sum / 1000)
+                             + " kg, the sum of its segments, not " + messageNumber(told / 1000) + " kg as told.");
     }
 
     void describeOtherSex(const JsonAt& other) const
@@ -334,11 +330,8 @@ private:
             if (base.otherMassPercent[i] < 0)
                 percents.fail("expected a share of the body's mass for each segment, found none for "
                               + inQuotes(std::as_const(plan.segments[i].name)) + ".");
-        if (std::fabs(sum - 100) > kPercentRounding) {
-            char text[64];
-            std::snprintf(text, sizeof text, "%g.", sum);
-            percents.fail(std::string("expected shares that add up to 100 %, found a sum of ") + text);
-        }
+        if (std::fabs(sum - 100) > kPercentRounding)
+            percents.fail("expected shares that add up to 100 %, found a sum of " + messageNumber(sum) + ".");
     }
 
     UrdfPlan& plan;

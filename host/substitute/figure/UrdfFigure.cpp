@@ -2,11 +2,10 @@
 #include "UrdfFigure.h"
 
 #include "FigureBuilder.h"
+#include "MessageNumber.h"
 #include "Roles.h"
 #include "UrdfModel.h"
 #include "UrdfPlan.h"
-
-#include <cstdio>
 
 namespace {
 
@@ -75,10 +74,9 @@ private:
         FigureBuilder::addAngle(joint, angle.name, start, angle.lower, angle.upper);
         if (start == 0)
             return;
-        char text[64];
-        std::snprintf(text, sizeof text, "starts at its limit, %.6g degrees", start * kDegreesPerRadian);
         builder.addNote("joint \"" + jointName + "\": zero is outside the limits of its angle"
-                        + (angle.name.empty() ? "" : " " + angle.name) + "; it " + text + ".");
+                        + (angle.name.empty() ? "" : " " + angle.name) + "; it starts at its limit, "
+                        + messageNumber(start * kDegreesPerRadian) + " degrees.");
     }
 
     void place()

@@ -3,9 +3,9 @@
 
 #include "Files.h"
 #include "InputError.h"
+#include "MessageNumber.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -42,9 +42,7 @@ Placement inverse(const Placement& placement)
 
 std::string kilograms(double grams)
 {
-    char text[32];
-    std::snprintf(text, sizeof text, "%g kg", grams * 0.001);
-    return text;
+    return messageNumber(grams * 0.001) + " kg";
 }
 
 class Planner {

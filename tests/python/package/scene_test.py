@@ -1,4 +1,5 @@
 """Scenes: opened, made, filled, saved, closed; their humans by name."""
+import errno
 import json
 import os
 
@@ -20,7 +21,7 @@ def test_scene_that_cannot_be_opened_raises_the_host_s_text(tmp_path):
     missing = tmp_path / "missing.json"
     with pytest.raises(StaticStrengthError) as caught:
         Scene.open(missing)
-    assert str(caught.value) == f"{missing}: cannot be read: No such file or directory."
+    assert str(caught.value) == f"{missing}: cannot be read: {os.strerror(errno.ENOENT)}."
 
 
 def test_fault_in_a_scene_s_file_is_told_with_its_place(tmp_path):
