@@ -8,15 +8,17 @@
 
 namespace {
 
-// Under zero gravity a weight's force is zero, and the scene would open without the weight.
+// Under zero or small gravity a weight hardly pulls, and the scene would open without the weight.
 void checkWeightsCanBeKept(const ComputeOptions& options, const Inputs& inputs)
 {
-    if (options.save.empty() || inputs.gravity.mag() > 0)
+    if (options.save.empty())
         return;
+    const std::string gravity = inputs.gravity.mag() > 0 ? "gravity this small" : "zero gravity";
     for (const LoadInput& load : inputs.loads)
-        if (!load.hasOffset && load.type == "weight") {
-            reportError("--save: under zero gravity the weight at " + load.site
-                        + " would not be found again in the saved scene.");
+        if (!load.hasOffset && load.type == "weight" && !isFoundAgain(load.force)) {
+            reportError("--save: under " + gravity + " the weight at " + load.site
+                        + " would not be found again in the saved scene. Save under a stronger gravity, or take the "
+                          "loads off with --clear-loads.");
             return;
         }
 }

@@ -1,9 +1,12 @@
 // Options: the commands, their options and their help.
 #include "Options.h"
 
+#include "Commands.h"
 #include "Messages.h"
 
 #include <CLI/CLI.hpp>
+
+#include <sstream>
 
 namespace {
 
@@ -216,8 +219,11 @@ std::optional<int> readCommandLine(int argc, char** argv, CommandLine& out)
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& problem) {
-        if (problem.get_exit_code() == 0)
-            return app.exit(problem);   // help or version
+        if (problem.get_exit_code() == 0) {   // help or version
+            std::ostringstream text;
+            app.exit(problem, text);
+            return print(text.str()) ? kDone : kWrongInput;
+        }
         reportError(std::string(problem.what()) + " (sstr --help and sstr COMMAND --help tell the usage.)");
         return kWrongInput;
     }

@@ -10,8 +10,9 @@
 
 namespace {
 
-// A load smaller than this, kgf, would not be found again in a saved scene.
-constexpr float kSmallestLoad = 1e-5f;
+// kgf: the analysis does not take a smaller load from a saved scene. In double, as there: 0.00001 is less in single
+// precision.
+constexpr double kSmallestLoad = 1e-5;
 
 bool endsWith(const std::string& text, const std::string& ending)
 {
@@ -63,7 +64,7 @@ qcSite* loadedSite(const std::string& option, const std::string& name, const Ope
 void checkSize(const std::string& where, const Opened& opened, qcSite* site)
 {
     qVector load;
-    if (opened.analysis->getSiteLoad(site, load) && load.mag() < kSmallestLoad)
+    if (opened.analysis->getSiteLoad(site, load) && !isFoundAgain(load))
         reportError(where + ": a load of less than " + "0.00001 kgf is not kept; leave it out.");
 }
 
@@ -139,6 +140,11 @@ void applyTorques(const std::vector<std::string>& texts, Opened& opened)
 }
 
 }   // namespace
+
+bool isFoundAgain(const qVector& load)
+{
+    return !(double(load.mag()) < kSmallestLoad);   // one that is no number is found again
+}
 
 bool openScene(const std::string& path, const std::string& humanName, Opened& opened)
 {

@@ -31,6 +31,10 @@ void applyChanges(const ChangeOptions& options, Opened& opened);
 void applyBody(const ChangeOptions& options, Opened& opened);
 void applyPosture(const ChangeOptions& options, Opened& opened);
 
+/// Whether a load on a site, kgf, is found again when a scene that was saved with it is opened: not one of less than
+/// 0.00001 kgf.
+bool isFoundAgain(const qVector& load);
+
 /// Whether a scene may be written to this path: not onto what is a figure's or a roles file by its
 /// name. @return false after an error that names the option
 bool mayHoldScene(const std::string& option, const std::string& path);

@@ -2,6 +2,7 @@
 #include "Commands.h"
 #include "Messages.h"
 
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -31,6 +32,7 @@ int run(const CommandLine& line)
 
 int main(int argc, char** argv)
 {
+    std::signal(SIGXFSZ, SIG_IGN);   // a file that grows too large is an error of its writing, which is then reported
     try {
         forwardHostMessages();
         CommandLine line;

@@ -13,6 +13,7 @@ from .errors import ClosedError, StaticStrengthError
 from .figure import Posture
 from .frames import FrameResults
 from .inputs import Loads, OffsetLoads, Torques
+from .loads import Force, is_found_again
 from .parts import Joint
 from .result import RESULT_KEY, JointForce, JointResult, Result
 from .strategy import Strategy
@@ -37,6 +38,8 @@ class Analysis(Pointed):
     :class:`StaticStrengthError`; what it warns of comes as a :class:`StaticStrengthWarning`. After the scene was
     closed, or the analysis deleted, every use raises :class:`ClosedError`.
     """
+
+    __slots__ = ("_human", "_pointer", "_scene_analyses", "_loads", "_offset_loads", "_torques", "__weakref__")
 
     def __init__(self, human: Human) -> None:
         self._human = human
@@ -138,8 +141,12 @@ class Analysis(Pointed):
     def _put_gravity(self, gravity: Vector) -> None:
         tell_earlier()   # before anything is taken away for a while
         strategy = ss.qmStaticStrength_getStrategy(self.pointer)
-        # A weight without a force would be dropped.
-        loads = {} if self.gravity.magnitude > 0 else dict(self._loads)
+        # A weight of hardly any force would be dropped.
+        before = self.gravity
+        loads = dict(self._loads)
+        if before.magnitude > 0 and all(isinstance(load, Force) or is_found_again(load, before)
+                                        for load in loads.values()):
+            loads = {}
         if loads:
             self._loads.clear()
         try:

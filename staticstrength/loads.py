@@ -1,6 +1,7 @@
 """Loads: the kinds there are, and the values in which they are given and read."""
 from __future__ import annotations
 
+import math
 from dataclasses import dataclass
 from typing import Any, Sequence, Union
 
@@ -97,12 +98,32 @@ def in_single(load: Load) -> Load:
 
 
 def is_kept(load: Load, gravity: Vector) -> bool:
+    """Whether a load may be put on a site: whether it is found again, a weight under zero gravity by its pull on
+    earth."""
+    return is_found_again(load, gravity if gravity.magnitude else Vector(0, -_STANDARD, 0))
+
+
+def is_found_again(load: Load, gravity: Vector) -> bool:
     """Whether a load on a site is found again after a change of gravity or in a saved scene: not one of less than
-    0.00001 kgf. A weight is judged by its pull, under zero gravity by that on earth."""
-    if isinstance(load, Force):
-        return load.magnitude >= _SMALLEST
-    return load.grams * 0.001 * ((gravity.magnitude or _STANDARD) / _STANDARD) >= _SMALLEST
+    0.00001 kgf, to the bit as the host finds it. A weight is judged by its pull."""
+    force = load.vector if isinstance(load, Force) else _pull(load, gravity)
+    x, y, z = (_narrowed(_narrowed(each) * _narrowed(each)) for each in force)
+    return not _narrowed(math.sqrt(_narrowed(_narrowed(x + y) + z))) < _SMALLEST
 
 
-_SMALLEST = 1e-5      # kgf
-_STANDARD = 980.665   # standard gravity, cm/s² (CGPM, 1901)
+# The force of a weight along gravity: gravity · (grams · 0.001 / 980.665), the factor in double, narrowed once.
+def _pull(weight: Weight, gravity: Vector) -> Vector:
+    factor = _narrowed(_narrowed(weight.grams) * 0.001 / _STANDARD)
+    return Vector(*(_narrowed(_narrowed(each) * factor) for each in gravity))
+
+
+# As the host narrows: what is too large for single precision becomes infinite.
+def _narrowed(number: float) -> float:
+    try:
+        return single(number)
+    except OverflowError:
+        return math.copysign(math.inf, number)
+
+
+_SMALLEST = 1e-5              # kgf; in double, as in the host: 0.00001 is less in single precision
+_STANDARD = single(980.665)   # standard gravity, cm/s² (CGPM, 1901), as the host holds it

@@ -12,7 +12,7 @@ from ._flat import NULL, qc, ss
 from ._host import Pointed, call, warn
 from .errors import ClosedError, StaticStrengthError
 from .human import Human
-from .loads import Weight
+from .loads import Weight, is_found_again
 from .names import NamedMapping
 from .vectors import Vector, VectorLike, as_vector, single
 
@@ -48,6 +48,8 @@ class Scene(Pointed):
     From then on every use of it, of its humans, their parts and analyses raises :class:`ClosedError`. Results and
     vectors stay: they are copies. Several scenes may be open at once.
     """
+
+    __slots__ = ("_path", "_humans", "_open", "_close", "__weakref__")
 
     def __init__(self) -> None:
         self._begin(call(qc.qcScene_new), None)
@@ -105,17 +107,18 @@ class Scene(Pointed):
             raise StaticStrengthError(f"{file!r} cannot be saved.")
         self._path = target
 
-    # A weight's force is gravity's, and a load without a force is not found again.
+    # A weight's force is gravity's, and a load of hardly any force is not found again.
     def _check_keepable(self) -> None:
         for human in list(self._humans.values()):
             analysis = human._analysis
             if analysis is None or analysis.is_deleted:
                 continue
-            weightless = self.gravity.magnitude == 0 or analysis.gravity.magnitude == 0
-            lost = [site for site, load in analysis.loads.items() if weightless and isinstance(load, Weight)]
-            if lost:
-                raise StaticStrengthError(f"under zero gravity the weight at {lost[0]} would not be found again in the "
-                                          "saved scene.")
+            for site, load in analysis.loads.items():
+                for gravity in (self.gravity, analysis.gravity):
+                    if isinstance(load, Weight) and not is_found_again(load, gravity):
+                        under = "gravity this small" if gravity.magnitude else "zero gravity"
+                        raise StaticStrengthError(f"under {under} the weight at {site} would not be found again in the "
+                                                  "saved scene. Save under a stronger gravity, or delete the weight.")
             if analysis.gravity != self.gravity:
                 warn(f"the gravity of {human.name}'s analysis is not saved; that of the scene is. Set scene.gravity to "
                      "keep it.")

@@ -1,8 +1,10 @@
 // Bad input: each wrong thing gets a message that names it and an exit status, and nothing is lost.
 #include "Program.h"
+#include "Reason.h"
 #include "SmallFigure.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <filesystem>
 #include <ostream>
@@ -40,6 +42,8 @@ const BadOption badOptions[] = {
     {"LoadWithoutValue", {"--load", "head.distal="}, "--load: expected SITE=x,y,z"},
     {"LoadEmpty", {"--load", ""}, "--load"},
     {"LoadOfNothing", {"--load", "head.distal=0,0,0"}, "a load of less than 0.00001 kgf is not kept"},
+    // in single precision it is 9.9999997e-6
+    {"LoadOfTheSmallestSize", {"--load", "head.distal=0,-0.00001,0"}, "a load of less than 0.00001 kgf is not kept"},
     {"LoadTwiceAtOneSite", {"--load", "head.distal=1,0,0", "--weight", "head.distal=5"}, "has a load from --load"},
     {"LoadAtAnUnknownSite",
      {"--load", "right_hand.right_palmcentre=1,0,0"},
@@ -287,6 +291,16 @@ TEST_F(BadInput, ReportsAFullStandardOutput)
     EXPECT_THAT(run.err, HasSubstr("standard output"));
 }
 
+TEST_F(BadInput, ReportsAFullStandardOutputForHelpAndVersionToo)
+{
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"--help"}, {"--version"}, {"compute", "--help"}}) {
+        const ProgramRun run = runProgram(arguments, "/dev/full");
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.err, "sstr: error: cannot write to standard output: " + reason(ENOSPC) + "\n");
+    }
+}
+
 TEST_F(BadInput, RefusesACommandThatIsUnknownOrMissing)
 {
     for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
@@ -316,6 +330,32 @@ TEST_F(BadInput, DoesNotSaveWeightsUnderZeroGravity)
     EXPECT_EQ(run.status, 2);
     EXPECT_THAT(run.err, HasSubstr("head.distal"));
     EXPECT_EQ(contentOf(scene), before);
+}
+
+// The box's halves of 5000 g under a gravity of 0.001 cm/s² pull with
+//   0.001 cm/s² · 5000 g · 0.001 / 980.665 = 5.1e-6 kgf
+// each, which a scene does not give back; under 0.01 cm/s² with 5.1e-5 kgf, which it does.
+TEST_F(BadInput, DoesNotSaveWeightsUnderGravityTooSmallForThem)
+{
+    const std::string target = folder.file("saved.json");
+    const ProgramRun run = runProgram({"compute", example("lift_box"), "--gravity", "0,-0.001,0", "--save", target});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "sstr: error: --save: under gravity this small the weight at right_hand.right_palmcenter would "
+                       "not be found again in the saved scene. Save under a stronger gravity, or take the loads off "
+                       "with --clear-loads.\n");
+    EXPECT_FALSE(std::filesystem::exists(target));
+
+    const auto loads = compute(example("lift_box"), {"--gravity", "0,-0.01,0", "--save", target}).at("loads");
+    EXPECT_EQ(loads.size(), 2u);
+    EXPECT_EQ(compute(target).at("loads"), loads);
+}
+
+// A little above 0.00001 kgf, also in single precision, where neighbours are 9.1e-13 apart.
+TEST_F(BadInput, ALoadOfTheSmallestSizeThatIsTakenIsFoundAgain)
+{
+    const std::string scene = standingScene();
+    compute(scene, {"--load", "head.distal=0,-0.000010001,0", "--save", scene});
+    EXPECT_EQ(compute(scene).at("loads").size(), 1u);
 }
 
 // The lower-body method asks for the site lower_torso.h_point.

@@ -67,6 +67,19 @@ TEST_F(FailedSave, OnAFullDiskComputeKeepsTheSceneThatItRead)
     EXPECT_EQ(filesInFolder(), 1);
 }
 
+// The system sends a signal with the error, of which a process dies that does not know it.
+TEST_F(FailedSave, OnAFullDiskTheSystemSSignalDoesNotEndTheProgramUntold)
+{
+    const SmallDisk disk(kSmall);
+    ASSERT_TRUE(disk.set);
+    ASSERT_NE(std::signal(SIGXFSZ, SIG_DFL), SIG_ERR);   // what the program then starts with; the disk puts it back
+    const ProgramRun run = runProgram({"compute", scene, "--save", scene}, "/dev/null");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "sstr: error: " + scene + ": cannot be written: " + reason(EFBIG) + "\n");
+    EXPECT_EQ(contentOf(scene), before);
+    EXPECT_EQ(filesInFolder(), 1);
+}
+
 // A folder of the system in which not even the superuser makes files.
 TEST_F(FailedSave, AFolderThatTakesNoFilesIsSaid)
 {

@@ -173,6 +173,7 @@ const std::vector<WrongRoles>& wrongRoles()
     static const std::vector<WrongRoles> cases = {
         {"Empty", " ", "given.json: expected JSON, found nothing."},
         {"NoJson", "{", "given.json:1: expected JSON"},
+        {"NullByteBehind", std::string("{}\n\0x", 5), "given.json:2: expected JSON, found a null byte."},
         {"AList", "[]", "given.json: expected an object, found an array of 0 elements."},
         {"UnknownKey", R"({"wasit": "H"})", "given.json: /wasit: unknown key. Close names: \"waist\"."},
         {"KeyTwice", R"({"waist": "H", "waist": "H"})", "given.json: "},

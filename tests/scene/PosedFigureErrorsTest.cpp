@@ -145,6 +145,15 @@ TEST_F(PosedFigureErrors, TextsWithANullCharacter)
               ": /name: expected a text without a null character, found \"a\\x00b\".");
 }
 
+TEST_F(PosedFigureErrors, ANullByteBehindTheFigureOfAFile)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("pair.figure.json", twoSegments().dump() + std::string("\n\0{}", 4));
+    qcScene scene;
+    EXPECT_FALSE(scene.addHuman(path.c_str(), "pair"));
+    EXPECT_THAT(log.takeTexts(), ElementsAre(path + ":2: expected JSON, found a null byte."));
+}
+
 TEST_F(PosedFigureErrors, TextsThatAreNoJson)
 {
     EXPECT_EQ(problemOf(""), ": expected JSON, found nothing.");

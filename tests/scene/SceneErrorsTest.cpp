@@ -185,6 +185,22 @@ TEST_F(SceneErrors, HumansOfOneName)
                                        "another name.");
 }
 
+// What stands behind a null byte must not be passed over: wherever between the values it is, its line is told.
+TEST_F(SceneErrors, ANullByteOutsideOfTexts)
+{
+    const std::string null(1, '\0');
+    const std::string whole = "{\"format\": \"sstr-scene\", \"version\": 1,\n\"humans\": []}\n";
+    const std::string path = folder.write("whole.json", whole);
+    EXPECT_TRUE(openScene(path));   // without the byte there is nothing wrong
+    EXPECT_EQ(problemOf(whole + null), ":3: expected JSON, found a null byte.");
+    EXPECT_EQ(problemOf(whole + null + "{\"format\": \"another\"}"), ":3: expected JSON, found a null byte.");
+    EXPECT_EQ(problemOf(null + whole), ":1: expected JSON, found a null byte.");
+    EXPECT_EQ(problemOf(std::string(whole).insert(whole.find('\n') + 1, null)),
+              ":2: expected JSON, found a null byte.");
+    EXPECT_THAT(problemOf(std::string(whole).insert(whole.find("sstr-scene"), null)),
+                HasSubstr("control character U+0000"));   // within a text
+}
+
 // Cut short, here at every seventh byte, it is refused, and nothing else happens.
 TEST_F(SceneErrors, AFileCutShortAnywhere)
 {

@@ -89,9 +89,18 @@ public:
         const std::size_t colon = column == std::string::npos ? column : why.find(": ", column);
         if (colon != std::string::npos)
             why.erase(0, colon + 2);
-        const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(position, text.size()));
-        throw InputError(source + ":" + std::to_string(1 + std::count(text.begin(), end, '\n'))
-                         + ": expected JSON, found a " + why + ".");
+        const std::size_t null = text.find('\0');
+        if (null != std::string::npos && null + 1 == position && why.find("end of input") != std::string::npos)
+            failAtNull(null);
+        failAt(position, why);
+    }
+
+    // The parser takes a null byte for the end of the text, and what stands behind it would be passed over.
+    void checkWhole() const
+    {
+        const std::size_t null = text.find('\0');
+        if (null != std::string::npos)
+            failAtNull(null);
     }
 
 private:
@@ -100,6 +109,15 @@ private:
         std::string key;                        // of the member that comes or came last
         std::unordered_set<std::string> keys;   // seen in this object
     };
+
+    [[noreturn]] void failAt(std::size_t position, const std::string& found) const
+    {
+        const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(position, text.size()));
+        throw InputError(source + ":" + std::to_string(1 + std::count(text.begin(), end, '\n'))
+                         + ": expected JSON, found a " + found + ".");
+    }
+
+    [[noreturn]] void failAtNull(std::size_t position) const { failAt(position, "null byte"); }
 
     bool put(Json value)
     {
@@ -318,5 +336,6 @@ Json parseJson(const std::string& text, const std::string& source)
     Json tree;
     TreeBuilder builder(tree, text, source);
     nlohmann::json::sax_parse(text, &builder);
+    builder.checkWhole();
     return tree;
 }

@@ -1,5 +1,6 @@
 """Loads on sites, loads with offsets and torques: set, read, listed, removed, refused."""
 import math
+import random
 
 import libqcc
 import libqmSSTRc
@@ -7,6 +8,8 @@ import pytest
 from conftest import OTHER_PALM, PALM
 from small_figure import small_body
 from staticstrength import Force, OffsetLoad, StaticStrengthWarning, UnknownNameError, Vector, Weight
+from staticstrength.loads import is_found_again
+from staticstrength.vectors import single
 
 KGF_CM = 0.0980665   # N·m
 
@@ -108,6 +111,7 @@ def test_site_of_another_human_is_refused(scene, man, loads):
     (None, TypeError, "expected three numbers"),
     ((0, 0, 0), ValueError, "less than 0.00001 kgf is not kept"),
     (Force(9e-6, 0, 0), ValueError, "not kept"),
+    (Force(0, -1e-5, 0), ValueError, "not kept"),   # 9.9999997e-6 in single precision
     (Weight(0), ValueError, "not kept"),
 ])
 def test_what_is_no_load_is_refused(loads, wrong, kind, text):
@@ -151,6 +155,40 @@ def test_weight_follows_gravity_and_outlives_zero_gravity(man, loads):
     man.analysis.gravity = 0, 0, 0
     loads["l5.distal"] = Weight(20)
     assert loads["l5.distal"] == Weight(20)
+
+
+# Under 0.001 cm/s² 1000 g pull with 1.0e-6 kgf, which a change of gravity does not give back by itself.
+def test_weight_outlives_gravity_too_small_for_it(man, loads):
+    loads["t8.distal"] = Force(0, 0, 1)
+    loads[PALM] = Weight(1000)
+    loads[OTHER_PALM] = Weight(2000)
+    before = list(loads.items())
+    for each in (man.analysis, man.scene):
+        for gravity in ((0, -0.001, 0), (0, -0.002, 0), (0, 0, 0), (0, -980.665, 0)):
+            each.gravity = gravity
+            assert list(loads.items()) == before
+
+
+# Gravity is chosen so that the pull is 0.00001 kgf up to a few roundings, 6e-8 each: only the same bits decide alike.
+def test_weight_is_judged_as_the_host_finds_it_again(man, loads):
+    chance = random.Random(7)
+    analysis, site = man.analysis.pointer, man.sites[PALM].pointer
+    vector = libqcc.new_qVector(0, 0, 0)
+    found = []
+    for _ in range(500):
+        grams = single(10 ** chance.uniform(-3, 4))
+        x, y, z = (chance.uniform(-1, 1) for _ in range(3))
+        size = 980.665 * 1e-5 / (grams * 0.001) * (1 + chance.uniform(-2e-7, 2e-7)) / Vector(x, y, z).magnitude
+        libqcc.qVector_set(vector, x * size, y * size, z * size)
+        libqmSSTRc.qmStaticStrength_clear(analysis)
+        libqmSSTRc.qmStaticStrength_setGravity(analysis, vector)
+        libqmSSTRc.qmStaticStrength_setWeightLoad(analysis, site, grams)
+        libqmSSTRc.qmStaticStrength_reset(analysis)   # warns where it drops the weight
+        found.append(bool(libqmSSTRc.qmStaticStrength_getNumLoads(analysis)))
+        assert len(libqcc.qcMessages_take()) == (not found[-1])
+        assert is_found_again(Weight(grams), man.analysis.gravity) == found[-1]
+    assert set(found) == {False, True}
+    libqcc.delete_qVector(vector)
 
 
 # On the moon 0.03 g pull with less than 0.00001 kgf, on earth with more.

@@ -137,6 +137,27 @@ def test_weight_that_zero_gravity_would_lose_is_not_saved(worker, tmp_path):
     scene.save(tmp_path / "scene.json")
 
 
+# 5000 g pull with 0.001 · 5000 · 0.001 / 980.665 = 5.1e-6 kgf under 0.001 cm/s², with ten times that under 0.01.
+def test_weight_that_small_gravity_would_lose_is_not_saved(worker, tmp_path):
+    scene, path = worker.scene, tmp_path / "scene.json"
+    worker.analysis.loads[PALM] = Weight(5000)
+    scene.gravity = (0, -0.001, 0)
+    with pytest.raises(StaticStrengthError, match=f"under gravity this small the weight at {PALM} would not be found"):
+        scene.save(path)
+    assert not path.exists()
+    scene.gravity = (0, -0.01, 0)
+    scene.save(path)
+    with Scene.open(path) as again:
+        assert dict(again.human.analysis.loads) == {PALM: Weight(5000)}
+
+
+def test_weight_that_small_gravity_of_its_analysis_would_lose_is_not_saved(worker, tmp_path):
+    worker.analysis.loads[PALM] = Weight(5000)
+    worker.analysis.gravity = (0, -0.001, 0)
+    with pytest.raises(StaticStrengthError, match=f"the weight at {PALM} would not be found again"):
+        worker.scene.save(tmp_path / "scene.json")
+
+
 def test_gravity_of_an_analysis_that_is_not_saved_is_warned_of(worker, tmp_path):
     worker.analysis.gravity = (0, -162, 0)
     with pytest.warns(StaticStrengthWarning, match="the gravity of worker's analysis is not saved"):
@@ -151,6 +172,14 @@ def test_gravity_of_the_scene_is_that_of_its_analyses(worker, man):
     for wrong in ((0, 1), "down", (0, 0, float("nan")), 5):
         with pytest.raises((TypeError, ValueError), match="gravity, cm/s²: expected"):
             worker.scene.gravity = wrong
+
+
+# As of the objects in a scene: a mistyped name is no new attribute.
+def test_scene_and_analysis_have_no_other_attributes(man):
+    for each in (man, man.joints["waist"], man.scene, man.analysis):
+        for name in ("Gravity", "strateg"):
+            with pytest.raises(AttributeError, match=f"^'{type(each).__name__}' object has no attribute '{name}'"):
+                setattr(each, name, "sitting")
 
 
 def test_several_scenes_are_independent(scene, tmp_path):
