@@ -83,12 +83,12 @@ TEST_F(FailedSave, OnAFullDiskTheSystemSSignalDoesNotEndTheProgramUntold)
 // A folder of the system in which not even the superuser makes files.
 TEST_F(FailedSave, AFolderThatTakesNoFilesIsSaid)
 {
-    ASSERT_TRUE(fs::is_directory("/sys/kernel"));
-    const std::string start = "sstr: error: /sys/kernel/a.json: cannot be written: no file can be made in the folder "
-                              "\"/sys/kernel\": ";
+    ASSERT_TRUE(fs::is_directory("/proc"));
+    const std::string start = "sstr: error: /proc/a.json: cannot be written: no file can be made in the folder "
+                              "\"/proc\": ";
     for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{"new-scene", SSTR_SOURCE_DIR "/figures/human.urdf", "/sys/kernel/a.json"},
-          {"compute", scene, "--save", "/sys/kernel/a.json"}}) {
+         {std::vector<std::string>{"new-scene", SSTR_SOURCE_DIR "/figures/human.urdf", "/proc/a.json"},
+          {"compute", scene, "--save", "/proc/a.json"}}) {
         const ProgramRun run = runProgram(arguments, "/dev/null");
         EXPECT_EQ(run.status, 2);
         EXPECT_THAT(run.err, StartsWith(start));
