@@ -2,6 +2,7 @@
 #include "WalkFixture.h"
 
 #include "DecimalComma.h"
+#include "LargeFigures.h"
 #include "NumberText.h"
 
 #include <cmath>
@@ -814,16 +815,16 @@ std::string chainText(int links, const char* mass, double dx, double dy)
 //   moment  about the first joint the k-th link's lever is 0.25·k cm:
 //           Mz = -0.0980665 · 0.25 · (1 + 2 + … + n) = -0.0980665 · 0.125 · n · (n + 1) N·m
 // Each joint adds two terms of one sign, 2n in all, and each term has seen at most 3 roundings of its own.
-TEST_F(JointForces, WalkAHundredThousandLinksDeep)
+TEST_F(JointForces, AWalkIsAsDeepAsTheFigure)
 {
-    const int n = 100000;
+    const int n = kDeep;
     human = scene->addPosedHuman(chainText(n, "1000", 0.25, -1).c_str());
     ASSERT_NE(human, nullptr);
     figure = human->getFigure();
     makeAnalysis();
     const Sums sums = walk("j1", "s0.a");
     EXPECT_EQ(sums.status, 1);
-    EXPECT_THAT(components(sums.force), ElementsAre(0, -100000, 0));
+    EXPECT_THAT(components(sums.force), ElementsAre(0, -float(n), 0));
     const double expected = -kNm * 0.125 * n * (n + 1.0);
     EXPECT_NEAR(double(sums.moment[2]), expected, roundingBound(2 * n + 3, -expected));
 

@@ -1,5 +1,6 @@
 // Reading URDF: units and axes, segments, sites, joints and their order.
 #include "DecimalComma.h"
+#include "LargeFigures.h"
 #include "UrdfTexts.h"
 
 using testing::ElementsAre;
@@ -316,19 +317,19 @@ TEST_F(UrdfTest, NumbersAreReadAlikeWhateverTheLocale)
     EXPECT_THAT(components(figure->findSegment("a")->getCenterOfMass()), ElementsAre(10, 50, 25));
 }
 
-// 100 000 links, each 1 m above the one before it: the last is 99 999 m up. Nothing recurses by depth.
+// Links, each 1 m above the one before it: the last of 100 000 is 99 999 m up. Nothing recurses by depth.
 TEST_F(UrdfTest, ALongChainIsRead)
 {
-    constexpr int kLinks = 100000;
     std::string text;
-    for (int i = 0; i < kLinks; ++i)
+    for (int i = 0; i < kDeep; ++i)
         text += body("l" + std::to_string(i), "1");
-    for (int i = 1; i < kLinks; ++i)
+    for (int i = 1; i < kDeep; ++i)
         text += hinge("j" + std::to_string(i), "l" + std::to_string(i - 1), "l" + std::to_string(i), "0 0 1");
     const auto figure = read(robot(text));
     ASSERT_NE(figure, nullptr);
-    EXPECT_EQ(figure->getBodyMass(), 1000.0 * kLinks);
-    EXPECT_THAT(position(figure->findSegment("l99999")), ElementsAre(0, 9999900, 0));
+    EXPECT_EQ(figure->getBodyMass(), 1000.0 * kDeep);
+    const int last = kDeep - 1;
+    EXPECT_THAT(position(figure->findSegment(("l" + std::to_string(last)).c_str())), ElementsAre(0, 100.0f * last, 0));
 }
 
 // The same through massless links: one joint with 19 999 angles.
