@@ -42,7 +42,10 @@ PY
 
 tidy() {
     commands "$@"
-    run-clang-tidy -quiet -j "$jobs" -p "$work" >"$work/tidy.txt" 2>"$work/tidy-errors.txt" && return
+    # CI leaves out clang's analyzer, which takes half of the time
+    local lighter=()
+    [ -z "${CI:-}" ] || lighter=("-checks=-clang-analyzer-*")
+    run-clang-tidy -quiet -j "$jobs" -p "$work" "${lighter[@]}" >"$work/tidy.txt" 2>"$work/tidy-errors.txt" && return
     grep -av '^clang-tidy' "$work/tidy.txt" || true
     grep -av 'warnings\? generated' "$work/tidy-errors.txt" >&2 || true
     fail "clang-tidy found the above."
