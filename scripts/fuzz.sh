@@ -4,8 +4,8 @@
 #   scripts/fuzz.sh SECONDS [NAME...]
 #
 # Each runs on every input that once broke it (fuzz/crashes), then for SECONDS on new ones, which start from the
-# seeds (fuzz/corpus) and from what earlier runs found worth keeping (build/fuzz/work). Both committed folders are
-# only read. An input that breaks something stays in build/fuzz/work/NAME/found.
+# seeds (fuzz/corpus) and from what earlier runs found worth keeping (build/fuzz/runs). Both committed folders are
+# only read. An input that breaks something stays in build/fuzz/runs/NAME/found.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -25,7 +25,7 @@ export ASAN_OPTIONS=detect_stack_use_after_return=1:allocator_may_return_null=1 
 
 # Runs one fuzzer; its whole output goes to a file, the last line of it to the terminal.
 run() {
-    local name="$1" work="build/fuzz/work/$1" options=(-timeout=25 -rss_limit_mb=4096 -print_final_stats=1 -entropic=0)
+    local name="$1" work="build/fuzz/runs/$1" options=(-timeout=25 -rss_limit_mb=4096 -print_final_stats=1 -entropic=0)
     # not entropic: weighing the corpus would take as long as running the inputs
     mkdir -p "$work/corpus" "$work/found" "fuzz/corpus/$name"
     [ ! -f "fuzz/dictionaries/$name.dict" ] || options+=("-dict=fuzz/dictionaries/$name.dict")
