@@ -16,4 +16,6 @@ if [ ! -d "$locales/de_DE.UTF-8" ]; then
         { echo "error: the locale could not be made; it needs localedef and the package locales" >&2; exit 2; }
 fi
 export SSTR_COMMA_LOCPATH="$locales" SSTR_COMMA_PRELOAD="$preload"
+# an environment that names no locale makes Python choose one at its start, in place of the preloaded
+export LC_ALL=C.UTF-8
 exec ctest --preset release-comma "$@"

@@ -9,7 +9,7 @@
 namespace {
 
 // What a scene file can hold, so that whatever Python sets can be saved: there a value is up to six of
-// 10 million items.
+// 20 million items.
 constexpr int kDeepest = 100;      // lists in lists
 constexpr int kMost = 1'000'000;   // values in one property
 
