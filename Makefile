@@ -90,7 +90,8 @@ fuzz:
 
 valgrind:
 	$(INSTALL) run test check
-	$(call build,debug)
+	$(call build,valgrind)
+	$(call say,Passing the tests under valgrind)
 	@scripts/valgrind.sh
 
 abi:

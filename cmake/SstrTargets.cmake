@@ -25,6 +25,10 @@ add_library(sstr_warnings INTERFACE)
 target_compile_options(sstr_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion
   $<$<BOOL:${SSTR_WARNINGS_AS_ERRORS}>:-Werror>)
 
+# The tests' own sources are long and run briefly: optimising them would take half of a build. What they test is
+# compiled as the build type says.
+set(SSTR_TEST_OPTIONS -O0 CACHE STRING "Compiler options of the tests' own sources, beside those of the build type")
+
 # One line a test program: sstr_test(NAME SOURCES... LIBRARIES...), registered with ctest test by test.
 function(sstr_test name)
   cmake_parse_arguments(PARSE_ARGV 1 T "" "" "SOURCES;LIBRARIES")
@@ -32,6 +36,7 @@ function(sstr_test name)
     set(T_SOURCES ${name}.cpp)
   endif()
   add_executable(${name} ${T_SOURCES})
+  target_compile_options(${name} PRIVATE ${SSTR_TEST_OPTIONS})
   target_link_libraries(${name} PRIVATE ${T_LIBRARIES} sstr_test_support sstr_numbers sstr_warnings GTest::gmock_main)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
 endfunction()

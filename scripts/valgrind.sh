@@ -1,8 +1,9 @@
 #!/bin/bash
-# Passes the tests of a build under valgrind: the C++ tests, a program at a time, the program on every
-# example, and the Python modules' tests. Any error, and any block that nothing reaches at the end, fails.
+# Passes the tests of the preset "valgrind" under valgrind: the C++ tests, a program at a time, the program on every
+# example, and the Python modules' tests; as many at a time as there are processors. Any error, and any block that
+# nothing reaches at the end, fails.
 #
-#   scripts/valgrind.sh [PRESET]      a preset that was built; else "debug"
+#   scripts/valgrind.sh [NAME...]      those alone, for example: ResetTest lift_box.json pointers_test.py
 #
 # Values are the heap's own blocks here, not recycled ones, so that valgrind sees each. What the interpreter
 # itself leaves behind at its end is not looked at: in Python's tests errors count, and leaks are the business of
@@ -10,47 +11,57 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-build="$PWD/build/${1:-debug}"
-[ -x "$build/sstr/sstr" ] || { echo "error: there is no $build/sstr/sstr. Build first: make ${1:-debug}" >&2; exit 2; }
-export QC_VALUE_MEMORY=heap
+build="$PWD/build/valgrind"
+[ -x "$build/sstr/sstr" ] || { echo "error: there is no $build/sstr/sstr. Build first: make valgrind" >&2; exit 2; }
+logs="$build/logs"
+mkdir -p "$logs"
+
+# the interpreter's own recycling would hide a misuse
+export QC_VALUE_MEMORY=heap PYTHONMALLOC=malloc PYTHONDONTWRITEBYTECODE=1 PYTHONPATH="$build/python"
 memcheck=(valgrind --quiet --error-exitcode=9 --num-callers=24)
 # memory that stays reachable is no leak: the host keeps its keys as long as the process lives
 leaks=(--leak-check=full --errors-for-leak-kinds=definite,indirect,possible)
-failed=()
 
-under() {
-    local what="$1"
-    shift
-    printf '== valgrind %s\n' "$what"
-    "$@" || failed+=("$what")
+# Runs one test, script or example; its whole output goes to a file, one line of it to the terminal.
+run() {
+    local path="$1" start=$SECONDS
+    local name log
+    name="$(basename "$path")"
+    log="$logs/$name.log"
+    local command=("${memcheck[@]}")
+    case "$path" in
+        *.py) command+=(--leak-check=no /usr/bin/python3 "$path") ;;
+        *.json) command+=("${leaks[@]}" "$build/sstr/sstr" compute "$path") ;;
+        # those that put an allocator of their own in its place keep it
+        */AllocationTest | */*OutOfMemoryTest | */ValuesFreedTest)
+            command+=("${leaks[@]}" --soname-synonyms=somalloc=nouserintercepts "$path" --gtest_brief=1) ;;
+        *) command+=("${leaks[@]}" "$path" --gtest_brief=1) ;;
+    esac
+    if ! "${command[@]}" >"$log" 2>&1; then
+        tail -60 "$log"
+        echo "error: $name fails under valgrind; all of the output is in $log" >&2
+        return 1
+    fi
+    echo "$name: $((SECONDS - start)) s"
 }
 
-while read -r program; do
-    # those that put an allocator of their own in its place keep it; those that count malloc's calls cannot
-    filter=()
-    case "$program" in
-        */ComputeAllocationTest | */SizesAllocationTest) continue ;;
-        */AllocationTest | */*OutOfMemoryTest | */ValuesFreedTest)
-            filter=(--soname-synonyms=somalloc=nouserintercepts) ;;
+tests=()
+while read -r path; do
+    case "$path" in
+        # those that count malloc's calls cannot be asked under another malloc; the scripts make hundreds of thousands
+        # of calls to look at memory in a way of their own
+        */ComputeAllocationTest | */SizesAllocationTest | */*memory*_test.py) continue ;;
     esac
-    under "$(basename "$program")" "${memcheck[@]}" "${leaks[@]}" "${filter[@]}" "$program" --gtest_brief=1
-done < <(find "$build/tests" -mindepth 2 -maxdepth 2 -type f -executable -name '*Test' | sort)
+    [ $# -eq 0 ] || [[ " $* " == *" $(basename "$path") "* ]] || continue
+    tests+=("$path")
+done < <(find "$build/tests" -mindepth 2 -maxdepth 2 -type f -executable -name '*Test' | sort
+    ls tests/python/*_test.py examples/*.json)
+[ ${#tests[@]} -gt 0 ] || { echo "error: no test is named $*" >&2; exit 2; }
 
-for scene in examples/*.json; do
-    under "sstr compute $scene" "${memcheck[@]}" "${leaks[@]}" "$build/sstr/sstr" compute "$scene" >/dev/null
+status=0
+for path in "${tests[@]}"; do
+    while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do wait -n || status=1; done
+    run "$path" &
 done
-
-# the interpreter's own recycling would hide a misuse; the scripts left out make hundreds of thousands of calls to
-# look at memory in a way of their own
-export PYTHONMALLOC=malloc PYTHONDONTWRITEBYTECODE=1 PYTHONPATH="$build/python"
-for script in tests/python/*_test.py; do
-    case "$script" in *memory*) continue ;; esac
-    under "$(basename "$script")" "${memcheck[@]}" --leak-check=no /usr/bin/python3 "$script"
-done
-
-exit_status=0
-if [ ${#failed[@]} -gt 0 ]; then
-    printf 'error: failed under valgrind: %s\n' "${failed[@]}" >&2
-    exit_status=1
-fi
-exit $exit_status
+while [ "$(jobs -p | wc -l)" -gt 0 ]; do wait -n || status=1; done
+exit $status

@@ -2,18 +2,12 @@
 #pragma once
 
 #include "SmallFigure.h"
-#include "SmallStack.h"
 
 #include <string>
 #include <vector>
 
-/// The links of a chain that is called deep. A debug build takes five times as long over it and makes do with a tenth,
-/// and so does one under a sanitizer.
-#if defined(NDEBUG) && !defined(SSTR_WIDE_FRAMES)
-inline constexpr int kDeep = 100000;
-#else
-inline constexpr int kDeep = 10000;
-#endif
+/// The links of a chain that is called deep.
+inline constexpr int kDeep = SSTR_TEST_DEPTH;
 
 /// A body on which further segments hang. They are written as text at once: there may be a hundred thousand.
 class LargeFigure {

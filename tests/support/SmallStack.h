@@ -10,10 +10,10 @@
 /// 256 KiB: ten thousand calls within each other would have 26 bytes each. The sanitizers widen every frame and get
 /// four times as much.
 #if defined(__SANITIZE_ADDRESS__)
-#define SSTR_WIDE_FRAMES 1
+#define SSTR_WIDE_FRAMES
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(memory_sanitizer)
-#define SSTR_WIDE_FRAMES 1
+#define SSTR_WIDE_FRAMES
 #endif
 #endif
 #ifdef SSTR_WIDE_FRAMES
