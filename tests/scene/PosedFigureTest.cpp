@@ -10,7 +10,6 @@
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::StrEq;
 
 namespace {
 

@@ -9,11 +9,13 @@
 #include <cstring>
 #include <new>
 
+// Where malloc is another's, be it a sanitizer's or valgrind's, new and delete are counted. The build for valgrind
+// says so itself.
 #if defined(__SANITIZE_ADDRESS__)
-#define SSTR_COUNTS_NEW_ALONE 1
+#define SSTR_COUNTS_NEW_ALONE
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer)
-#define SSTR_COUNTS_NEW_ALONE 1
+#define SSTR_COUNTS_NEW_ALONE
 #endif
 #endif
 

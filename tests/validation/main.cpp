@@ -24,9 +24,7 @@ bool outputIsWhole()
     return false;
 }
 
-}   // namespace
-
-int main(int argc, char** argv)
+int run(int argc, char** argv)
 {
     CLI::App app(kAbout, "sstr-validate");
     int cases = 200, rounds = 1000;
@@ -42,9 +40,16 @@ int main(int argc, char** argv)
     } catch (const CLI::ParseError& problem) {
         return app.exit(problem) == 0 ? 0 : 2;
     }
+    const int status = timing ? runBenchmark(rounds) : compareFigures(cases);
+    return outputIsWhole() ? status : 2;
+}
+
+}   // namespace
+
+int main(int argc, char** argv)
+{
     try {
-        const int status = timing ? runBenchmark(rounds) : compareFigures(cases);
-        return outputIsWhole() ? status : 2;
+        return run(argc, argv);
     } catch (const std::exception& problem) {
         std::fprintf(stderr, "error: %s\n", problem.what());
         return 1;
