@@ -35,6 +35,7 @@ run() {
         # those that put an allocator of their own in its place keep it
         */*OutOfMemoryTest | */ValuesFreedTest)
             command+=("${leaks[@]}" --soname-synonyms=somalloc=nouserintercepts "$path" --gtest_brief=1) ;;
+        */sstr-validate) command+=("${leaks[@]}" "$path") ;;
         *) command+=("${leaks[@]}" "$path" --gtest_brief=1) ;;
     esac
     if ! "${command[@]}" >"$log" 2>&1; then
@@ -55,7 +56,7 @@ while read -r path; do
     [ $# -eq 0 ] || [[ " $* " == *" $(basename "$path") "* ]] || continue
     tests+=("$path")
 done < <(find "$build/tests" -mindepth 2 -maxdepth 2 -type f -executable -name '*Test' | sort
-    ls tests/python/*_test.py examples/*.json)
+    ls "$build/tests/validation/sstr-validate" tests/python/*_test.py examples/*.json)
 [ ${#tests[@]} -gt 0 ] || { echo "error: no test is named $*" >&2; exit 2; }
 
 status=0

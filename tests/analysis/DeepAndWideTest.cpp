@@ -288,12 +288,12 @@ TEST_F(NestedValues, KeepTheirOrderAtEveryLevel)
     qcValue onLeft = list({number(0)}), onRight = list({number(5000)});
     for (int i = 1; i <= 5000; ++i) {
         left = "(" + left + " " + std::to_string(i) + ")";
-        qcValue* first = new qcValue(std::move(onLeft));
+        qcValue* first = new qcValue(std::exchange(onLeft, qcValue()));
         first->next = new qcValue(static_cast<float>(i));
         onLeft.setList(first);
         right = "(" + std::to_string(5000 - i) + " " + right + ")";
         qcValue* head = new qcValue(static_cast<float>(5000 - i));
-        head->next = new qcValue(std::move(onRight));
+        head->next = new qcValue(std::exchange(onRight, qcValue()));
         onRight.setList(head);
     }
     EXPECT_EQ(qcValue(onLeft).toText(), left);

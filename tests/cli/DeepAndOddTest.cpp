@@ -240,7 +240,7 @@ TEST_P(OddName, KeepsTheTablesLinesWhole)
               std::count(without.out.begin(), without.out.end(), '\n'));
     for (const char c : with.out)
         ASSERT_TRUE(static_cast<unsigned char>(c) >= 0x20 ? c != 0x7f : c == '\n');
-    EXPECT_LT(with.out.size(), without.out.size() + 20 * 200 + 10 * name.size());
+    EXPECT_LT(with.out.size(), without.out.size() + 4000 + 10 * name.size());
 }
 
 TEST_P(OddName, IsAskedForByName)
