@@ -109,7 +109,7 @@ abi-record:
 format:
 	$(INSTALL) check
 	$(call say,Laying out the C++ sources)
-	@git ls-files -z --cached --others --exclude-standard -- '*.cpp' '*.h' | xargs -0 clang-format -i
+	@scripts/lint.sh format
 
 # How each source is compiled, for the linters. They need nothing built.
 define commands

@@ -6,6 +6,7 @@
 #                                            long: `make tidy-all` reads them, and so do the other two in any case.
 #   scripts/lint.sh cppcheck BUILD           cppcheck, less .cppcheck-suppressions: product and tests
 #   scripts/lint.sh layout                   clang-format, by .clang-format: product and tests
+#   scripts/lint.sh format                   the same, but lays them out
 #
 # BUILD is where `cmake --preset lint` left how each source is compiled. Nothing needs to be built.
 set -euo pipefail
@@ -61,8 +62,13 @@ check() {
         || fail "cppcheck found the above."
 }
 
+# Passes every source, header and test to clang-format with the given options.
+format() {
+    find "${product[@]}" tests \( -name '*.cpp' -o -name '*.h' \) -print0 | xargs -0 clang-format "$@"
+}
+
 layout() {
-    git ls-files -z --cached --others --exclude-standard -- '*.cpp' '*.h' | xargs -0 clang-format --dry-run -Werror \
+    format --dry-run -Werror \
         || fail "the layout of the above is not clang-format's. To lay them out: make format."
 }
 
@@ -72,5 +78,6 @@ case "$linter" in
     tidy) shift 2; [ $# -gt 0 ] || set -- "${product[@]}"; tidy "$@" ;;
     cppcheck) check ;;
     layout) layout ;;
-    *) fail "expected tidy, cppcheck or layout, found \"$linter\"." ;;
+    format) format -i ;;
+    *) fail "expected tidy, cppcheck, layout or format, found \"$linter\"." ;;
 esac
