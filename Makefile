@@ -27,7 +27,7 @@ help:
 	@echo 'make clang     the tests, built by clang, optimised and not'
 	@echo 'make asan      the tests under the address and undefined-behaviour sanitizers'
 	@echo 'make valgrind  the tests and the examples under valgrind'
-	@echo 'make check     all of the above but valgrind'
+	@echo 'make check     test, debug, clang and asan'
 	@echo 'make bench     measures'
 	@echo 'make comma     the tests in a process locale with a decimal comma'
 	@echo 'make fuzz SECONDS=20   feeds the readers and the analysis arbitrary input'

@@ -21,13 +21,19 @@ for name in "${names[@]}"; do
     [ -x "$programs/$name" ] || { echo "error: there is no $programs/$name. Build the fuzzers first: make fuzz SECONDS=$seconds" >&2; exit 2; }
 done
 
+# an old input that nothing runs would be lost
+for input in fuzz/crashes/*; do
+    [ ! -e "$input" ] || [ -f "fuzz/$(basename "$input").cpp" ] ||
+        { echo "error: $input belongs to no fuzzer; expected fuzz/crashes/NAME/INPUT with a fuzz/NAME.cpp" >&2; exit 2; }
+done
+
 export ASAN_OPTIONS=detect_stack_use_after_return=1:allocator_may_return_null=1 UBSAN_OPTIONS=print_stacktrace=1
 
-# Runs one fuzzer; its whole output goes to a file, the last line of it to the terminal.
+# Runs one fuzzer; its whole output goes to a file, a line to the terminal.
 run() {
     local name="$1" work="build/fuzz/runs/$1" options=(-timeout=25 -rss_limit_mb=4096 -print_final_stats=1 -entropic=0)
     # not entropic: weighing the corpus would take as long as running the inputs
-    mkdir -p "$work/corpus" "$work/found" "fuzz/corpus/$name"
+    mkdir -p "$work/corpus" "$work/found"
     [ ! -f "fuzz/dictionaries/$name.dict" ] || options+=("-dict=fuzz/dictionaries/$name.dict")
     local crashes=()
     for input in fuzz/crashes/"$name"/*; do [ ! -f "$input" ] || crashes+=("$input"); done
@@ -48,10 +54,5 @@ run() {
         "$(grep -o 'cov: [0-9]* ft: [0-9]*' "$work/log" | tail -1)"
 }
 
-status=0
-for name in "${names[@]}"; do
-    while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do wait -n || status=1; done
-    run "$name" &
-done
-while [ "$(jobs -p | wc -l)" -gt 0 ]; do wait -n || status=1; done
-exit $status
+source scripts/each.sh
+each run "${names[@]}"

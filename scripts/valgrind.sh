@@ -7,7 +7,7 @@
 #
 # Values are the heap's own blocks here, not recycled ones, so that valgrind sees each. What the interpreter
 # itself leaves behind at its end is not looked at: in Python's tests errors count, and leaks are the business of
-# the tests under the address sanitizer and of those that count memory.
+# those that count memory.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -16,8 +16,8 @@ build="$PWD/build/valgrind"
 logs="$build/logs"
 mkdir -p "$logs"
 
-# the interpreter's own recycling would hide a misuse
-export QC_VALUE_MEMORY=heap PYTHONMALLOC=malloc PYTHONDONTWRITEBYTECODE=1 PYTHONPATH="$build/python"
+# the tests' long chains need not be so long here; the interpreter's own recycling would hide a misuse
+export SSTR_TEST_DEPTH=1000 QC_VALUE_MEMORY=heap PYTHONMALLOC=malloc PYTHONDONTWRITEBYTECODE=1 PYTHONPATH="$build/python"
 memcheck=(valgrind --quiet --error-exitcode=9 --num-callers=24)
 # memory that stays reachable is no leak: the host keeps its keys as long as the process lives
 leaks=(--leak-check=full --errors-for-leak-kinds=definite,indirect,possible)
@@ -46,8 +46,11 @@ run() {
     echo "$name: $((SECONDS - start)) s"
 }
 
+found=("$build/tests/validation/sstr-validate" tests/python/*_test.py examples/*.json)
+while read -r path; do found+=("$path"); done < <(find "$build/tests" -mindepth 2 -maxdepth 2 -type f -executable -name '*Test' | sort)
 tests=()
-while read -r path; do
+for path in "${found[@]}"; do
+    [ -f "$path" ] || { echo "error: there is no $path. Build first: make valgrind" >&2; exit 2; }
     case "$path" in
         # those that count allocations cannot be asked where values are not recycled and malloc is another; the scripts
         # make hundreds of thousands of calls to look at memory in a way of their own
@@ -55,14 +58,8 @@ while read -r path; do
     esac
     [ $# -eq 0 ] || [[ " $* " == *" $(basename "$path") "* ]] || continue
     tests+=("$path")
-done < <(find "$build/tests" -mindepth 2 -maxdepth 2 -type f -executable -name '*Test' | sort
-    ls "$build/tests/validation/sstr-validate" tests/python/*_test.py examples/*.json)
-[ ${#tests[@]} -gt 0 ] || { echo "error: no test is named $*" >&2; exit 2; }
-
-status=0
-for path in "${tests[@]}"; do
-    while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do wait -n || status=1; done
-    run "$path" &
 done
-while [ "$(jobs -p | wc -l)" -gt 0 ]; do wait -n || status=1; done
-exit $status
+[ $# -eq 0 ] || [ ${#tests[@]} -eq $# ] || { echo "error: not each of these is the name of a test that valgrind watches: $*" >&2; exit 2; }
+
+source scripts/each.sh
+each run "${tests[@]}"

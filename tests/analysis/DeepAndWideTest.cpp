@@ -12,7 +12,7 @@ using ::testing::ElementsAre;
 
 namespace {
 
-constexpr int kLinks = kDeep;
+const int kLinks = deepLinks();
 constexpr int kFan = 10000;
 
 // A list of the elements, which are left empty.
@@ -93,7 +93,7 @@ TEST_F(DeepChain, InAHandIsSummedByEveryStrategyThatWalksTheArms)
             clearResults();
             compute(strategy);
             expectChain();
-            EXPECT_THAT(components(resultOf("right_wrist").force), ElementsAre(0, -(kLinks + 0.5f), 0));
+            EXPECT_THAT(components(resultOf("right_wrist").force), ElementsAre(0, -(static_cast<float>(kLinks) + 0.5f), 0));
         }
 
         ASSERT_EQ(analysis->setLoad(site("k" + last + ".a"), {0, -500, 0}), 1);

@@ -817,7 +817,7 @@ std::string chainText(int links, const char* mass, double dx, double dy)
 // Each joint adds two terms of one sign, 2n in all, and each term has seen at most 3 roundings of its own.
 TEST_F(JointForces, AWalkIsAsDeepAsTheFigure)
 {
-    const int n = kDeep;
+    const int n = deepLinks();
     human = scene->addPosedHuman(chainText(n, "1000", 0.25, -1).c_str());
     ASSERT_NE(human, nullptr);
     figure = human->getFigure();

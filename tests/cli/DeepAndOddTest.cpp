@@ -83,7 +83,7 @@ protected:
 //           higher, (0, -25, 0) cm × (0, 0, 4) kgf · 0.0980665 = -9.80665 N·m about x, and the placeholder
 TEST_F(DeepChain, IsComputedSavedOpenedAndExplained)
 {
-    constexpr int kLinks = kDeep;
+    const int kLinks = deepLinks();
     const std::string last = std::to_string(kLinks), lastButOne = "c" + std::to_string(kLinks - 1);
     const std::string scene = chainScene(kLinks), saved = folder.file("saved.json");
     const nlohmann::json computed =

@@ -320,16 +320,18 @@ TEST_F(UrdfTest, NumbersAreReadAlikeWhateverTheLocale)
 // Links, each 1 m above the one before it: the last of 100 000 is 99 999 m up. Nothing recurses by depth.
 TEST_F(UrdfTest, ALongChainIsRead)
 {
+    const int links = deepLinks();
     std::string text;
-    for (int i = 0; i < kDeep; ++i)
+    for (int i = 0; i < links; ++i)
         text += body("l" + std::to_string(i), "1");
-    for (int i = 1; i < kDeep; ++i)
+    for (int i = 1; i < links; ++i)
         text += hinge("j" + std::to_string(i), "l" + std::to_string(i - 1), "l" + std::to_string(i), "0 0 1");
     const auto figure = read(robot(text));
     ASSERT_NE(figure, nullptr);
-    EXPECT_EQ(figure->getBodyMass(), 1000.0 * kDeep);
-    const int last = kDeep - 1;
-    EXPECT_THAT(position(figure->findSegment(("l" + std::to_string(last)).c_str())), ElementsAre(0, 100.0f * last, 0));
+    EXPECT_EQ(figure->getBodyMass(), 1000.0 * links);
+    const int last = links - 1;
+    EXPECT_THAT(position(figure->findSegment(("l" + std::to_string(last)).c_str())),
+                ElementsAre(0, 100.0f * static_cast<float>(last), 0));
 }
 
 // The same through massless links: one joint with 19 999 angles.

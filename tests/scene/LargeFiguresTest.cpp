@@ -14,7 +14,7 @@ protected:
     TemporaryFolder folder;
 };
 
-constexpr int kLinks = kDeep;
+const int kLinks = deepLinks();
 
 // What a file may leave out is left out: the lists of a segment's sites and of a site's joints, names that keys tell,
 // and all roles. Link i lies i cm to the left and hangs on the one before.
@@ -71,7 +71,7 @@ TEST_F(LargeFigures, ADeepPosedChainIsSavedAndOpened)
         qcFigure* figure = opened->findHuman("man")->getFigure();
         qcSegment* segment = figure->findSegment(last.c_str());
         EXPECT_THAT(components(segment->getGlobalTransform().getTranslation()),
-                    ElementsAre(-20 + 0.25f * kLinks, 72 - kLinks, 0));
+                    ElementsAre(-20 + 0.25f * static_cast<float>(kLinks), 72 - kLinks, 0));
         qcValue note;
         EXPECT_EQ(segment->getProperty("note", &note), 1);
         EXPECT_STREQ(note.toText(), "\"the last\"");

@@ -3,11 +3,22 @@
 
 #include "SmallFigure.h"
 
+#include <cstdlib>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-/// The links of a chain that is called deep.
-inline constexpr int kDeep = SSTR_TEST_DEPTH;
+/// The links of a chain that is called deep: 100 000, or SSTR_TEST_DEPTH of the environment, where programs are slow.
+inline int deepLinks()
+{
+    const char* text = std::getenv("SSTR_TEST_DEPTH");
+    if (!text)
+        return 100000;
+    const int links = std::stoi(text);
+    if (links < 1000 || std::to_string(links) != text)
+        throw std::invalid_argument("SSTR_TEST_DEPTH: expected a number from 1000 on");
+    return links;
+}
 
 /// A body on which further segments hang. They are written as text at once: there may be a hundred thousand.
 class LargeFigure {
