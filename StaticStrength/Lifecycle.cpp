@@ -64,10 +64,17 @@ public:
         : qcRefObserver(figure, analysis), ofHuman(human, analysis)
     {}
     bool holds() const { return getSubject() && ofHuman.getSubject(); }
+    bool isOf(const qcHuman* human) const { return ofHuman.getSubject() == human; }   // still there
 
 private:
     qcRefObserver ofHuman;
 };
+
+// Whether this human is there, be its figure gone.
+bool isOf(const qcRefObserver* observer, const qcHuman* human)
+{
+    return observer && static_cast<const Lifeline*>(observer)->isOf(human);
+}
 
 // Whether figure and human are there; they are while there is no observer yet.
 bool holds(const qcRefObserver* observer)
@@ -203,6 +210,9 @@ qmStaticStrength* qmStaticStrength::getHandle(qcHuman* human)
     qList* node = registry ? registry->findNode(human, differs) : nullptr;
     if (node)
         return static_cast<qmStaticStrength*>(node->getData());
+    for (const qmStaticStrength* object : living())
+        if (isOf(object->observer, human) && object->isOrphaned("getHandle"))
+            return nullptr;   // the human stands, but its figure, of which the new analysis would be, does not
     return resultOr<qmStaticStrength*>(nullptr, "getHandle", [human] { return new qmStaticStrength(human); });
 }
 

@@ -78,7 +78,8 @@ public:
     /// Leaves the registry, unbinds the callback and frees what the object owns. The properties stay.
     ~qmStaticStrength() override;
 
-    /// The human's analysis, made on first request; null for a null human, or when there is no memory for it.
+    /// The human's analysis, made on first request; null for a null human, when its figure is known to be
+    /// gone, or when there is no memory for it.
     static qmStaticStrength* getHandle(qcHuman* human);
 
     /// The human analysed; null once it is gone.

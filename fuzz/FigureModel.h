@@ -12,6 +12,10 @@
 #include <utility>
 #include <vector>
 
+/// The strategies as a figure keeps them, by their numbers.
+inline constexpr const char* kStrategies[qmStaticStrength::N_STRS] = {"Two Feet", "Right Foot", "Left Foot",
+                                                                      "Walking",  "Sitting",    "Sitting, No Feet"};
+
 /// A force or a weight.
 struct Load {
     int kind;       // 0 global, 1 local, 2 weight, else unreadable
@@ -40,6 +44,8 @@ struct OffsetLoad {
     }
 };
 
+using Records = std::vector<OffsetLoad>;
+
 template <class Value> using Entries = std::vector<std::pair<std::string, Value>>;
 
 template <class Value> void setEntry(Entries<Value>& entries, const std::string& key, const Value& value)
@@ -64,7 +70,7 @@ struct FigureModel {
     Entries<Load> loads;   // in the order of the list
     Entries<qVector> torques;
     bool hasOffsetList = false;
-    std::vector<OffsetLoad> offsets;
+    Records offsets;
     int strategy = -1;   // without one
     std::map<qcSite*, Load> siteLoads;
     std::map<qcSite*, std::string> siteOffsets;

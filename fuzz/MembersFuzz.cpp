@@ -1,9 +1,10 @@
 // Members fuzzer: arbitrary sequences of calls on up to six analyses of two humans, beside a plain model.
 //
 // The model keeps what each call has to leave; after every call the properties and all getters are compared with it. A
-// second mode changes properties behind the analyses' backs, where only memory is checked.
+// second mode changes properties behind the analyses' backs, where checks that need the model are left out.
 #include "MembersWorld.h"
 
+#include "Check.h"
 #include "SmallFigure.h"
 
 #include <string>

@@ -1,10 +1,15 @@
 // Members world: the objects' lives, their callbacks and scripts, and which member is called next.
 #include "MembersWorld.h"
 
+#include "Check.h"
+
 #include "qc/qcPy.h"
 #include "qc/qcSim.h"
 
-#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
 
 // ---- Life ----
 
@@ -117,12 +122,14 @@ void MembersWorld::activate(Object& object)
 {
     // letters that say what the script does; see runScript()
     const std::string script = data.ConsumeRandomLengthString(6);
-    const int bound = object.real->activate(oneIn(8) ? nullptr : script.c_str());
+    const char* given = oneIn(8) ? nullptr : script.c_str();
+    const int bound = object.real->activate(given);
     check(bound == (object.callback == 0 ? 1 : 0), "an analysis is activated once");
     if (!bound)
         return;
     object.callback = ++lastId;
     object.script = ++lastId;
+    object.talks = given && *given;
     binderOf[object.callback] = &object;
 }
 
@@ -131,12 +138,18 @@ void MembersWorld::step()
     if (scriptDepth > 3)
         return;
     int active = 0;
-    for (const auto& object : objects)
+    bool silent = true;
+    for (const auto& object : objects) {
         active += object->callback && binderOf[object->callback] == object.get() ? 1 : 0;
+        silent &= !object->callback || !object->talks;
+    }
     const int steps = scriptDepth == 0 ? data.ConsumeIntegralInRange(0, 2) : 1;
-    check(qcSim::step(steps) <= steps * int(kMostObjects), "an analysis runs once a step");
-    if (active == 0 && scriptDepth == 0)
-        check(qcSim::getNumResults() == 0, "without an active analysis nothing runs");
+    const int calls = qcSim::step(steps);
+    check(calls <= steps * int(kMostObjects), "an analysis runs at most once a step");
+    if (!silent)   // scripts may end some and begin others
+        return;
+    check(calls == steps * active, "every active analysis runs once a step, no other");
+    check(qcSim::getNumResults() == (steps > 0 ? active : 0), "and each leaves a result");
 }
 
 // A letter a call, for the object of the number that follows from it.
@@ -213,8 +226,7 @@ void MembersWorld::callOne()
         step();
         break;
     case 9:
-        if (scriptDepth == 0)
-            object.real->run_script();
+        object.real->run_script();
         break;
     case 10:
     case 11:

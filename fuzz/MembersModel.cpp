@@ -1,15 +1,12 @@
 // Members world: what clearing and resetting leave, and the comparison of every property and getter with the model.
 #include "MembersWorld.h"
 
+#include "Check.h"
 #include "SpelledValues.h"
 
 #include <cstring>
 #include <map>
 #include <string>
-#include <vector>
-
-static constexpr const char* kStrategies[] = {"Two Feet", "Right Foot", "Left Foot",
-                                              "Walking",  "Sitting",    "Sitting, No Feet"};
 
 void MembersWorld::modelClear(Object& object)
 {
@@ -62,7 +59,7 @@ int MembersWorld::modelReset(Object& object)
     return result ? 1 : 0;
 }
 
-void MembersWorld::modelRestoreOffsets(Object& object, const std::vector<OffsetLoad>& saved)
+void MembersWorld::modelRestoreOffsets(Object& object, const Records& saved)
 {
     for (OffsetLoad load : saved) {
         load.site = object.of->siteOf(keyOf(load.site));
@@ -172,6 +169,9 @@ void MembersWorld::compareObject(const Object& object) const
     for (int n = 0; n < real.getNumDefinedTorques(); ++n)
         check(real.getNthDefinedTorqueJoint(n) == figure.jointOf(figure.torques[static_cast<Index>(n)].first),
               "the joint of the n-th torque");
+    check(!real.getNthDefinedTorqueJoint(real.getNumDefinedTorques()), "no torque after the last");
+    check(real.getNthDefinedTorqueJoint(-1) == real.getNthDefinedTorqueJoint(0),
+          "the joint of a torque before the first is the first's");
     for (qcJoint* joint : figure.human->joints()) {
         const auto torque = figure.jointTorques.find(joint);
         const bool has = torque != figure.jointTorques.end();

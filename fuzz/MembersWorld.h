@@ -3,7 +3,6 @@
 #pragma once
 
 #include "AnalysedHuman.h"
-#include "Check.h"
 #include "FigureModel.h"
 
 #include "qmStaticStrength.h"
@@ -16,8 +15,6 @@
 #include <memory>
 #include <vector>
 
-using Records = std::vector<OffsetLoad>;
-
 /// An analysis, and what it keeps itself. Copies share the records.
 struct Object {
     qmStaticStrength* real;
@@ -27,6 +24,7 @@ struct Object {
     std::shared_ptr<Records> records = std::make_shared<Records>();
     int callback = 0;   // 0: none; shared by copies
     int script = 0;
+    bool talks = false;   // the script has letters
     bool registered = true;
 };
 
@@ -38,6 +36,7 @@ public:
     MembersWorld(const MembersWorld&) = delete;
     MembersWorld& operator=(const MembersWorld&) = delete;
 
+    /// Calls a member of one of the analyses, or another that concerns them, as the input says, and checks its answer.
     void callOne();
 
     /// Checks every property and every getter's answer.
@@ -46,7 +45,7 @@ public:
     /// Gives any property of any part a value of any other, alone or in a list, or takes it away.
     void meddle();
 
-    /// From here on only memory is checked.
+    /// From here on checks that need the model are left out.
     void forgetModel() { modelled = false; }
 
 private:
@@ -82,6 +81,7 @@ private:
         return nullptr;
     }
 
+    // Life, callbacks and scripts: MembersLife.cpp.
     void construct();
     void handle();
     void copy();
@@ -92,6 +92,8 @@ private:
     void activate(Object& object);
     void step();
     int runScript(const char* script);
+
+    // Input, report and results: MembersCalls.cpp.
     void setLoad(Object& object);
     void removeLoad(Object& object);
     void setOffsetLoad(Object& object);
@@ -104,11 +106,11 @@ private:
     void report(Object& object);
     void useResults(Object& object);
 
+    // What has to be left, and its comparison: MembersModel.cpp.
     void modelClear(Object& object);
     int modelReset(Object& object);
     void modelSave(Object& object);
-    void modelRestoreOffsets(Object& object, const std::vector<OffsetLoad>& saved);
-
+    void modelRestoreOffsets(Object& object, const Records& saved);
     void compareFigure(const FigureModel& figure) const;
     void compareObject(const Object& object) const;
 

@@ -4,6 +4,7 @@
 // any trees. What a reset has to leave is worked out from copies of the lists, by themselves.
 #include "AnalysedHuman.h"
 #include "Check.h"
+#include "FigureModel.h"
 #include "NearlyRightValues.h"
 #include "SmallFigure.h"
 #include "SpelledValues.h"
@@ -26,7 +27,6 @@ constexpr const char* kFigureKeys[] = {"SSTR_LoadList", "SSTR_TorqueList", "SSTR
                                        "RightZelHandLoads"};
 constexpr const char* kSiteKeys[] = {"SSTR_Load", "SSTR_LoadsWithOffsets"};
 constexpr const char* kJointKeys[] = {"SSTR_Torque", "SSTR_Force_Moment"};
-constexpr const char* kStrategies[] = {"Two Feet", "Right Foot", "Left Foot", "Walking", "Sitting", "Sitting, No Feet"};
 
 AnalysedHuman& wholeHuman()
 {

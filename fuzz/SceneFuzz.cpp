@@ -11,6 +11,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -40,10 +41,12 @@ std::unique_ptr<qcScene> openScene(const std::string& path)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static const Folder folder;
-    const std::string path = folder.write("any.json", {reinterpret_cast<const char*>(data), size});
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const std::string path = folder.write("any.json", text);
     const SilentMessages messages;
     const std::unique_ptr<qcScene> scene = openScene(path);
     check(scene || messages.errors() > 0, "a file that is refused is refused with an error");
+    check(!scene || text.find('\0') == std::string_view::npos, "a file with a null byte is refused");
     if (!scene)
         return 0;
 

@@ -79,6 +79,10 @@ bool interrupted = false;   // a script, by the keyboard
 // Reports the exception that is set, and clears it. Nothing that a script raises ends the process.
 void reportException()
 {
+    if (!PyErr_Occurred()) {   // as the interpreter's parser leaves it when memory runs out
+        error("cannot run a script: out of memory.");
+        return;
+    }
     if (PyErr_ExceptionMatches(PyExc_KeyboardInterrupt))
         interrupted = true;
     PyObject *type = nullptr, *value = nullptr, *trace = nullptr;

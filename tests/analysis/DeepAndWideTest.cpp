@@ -93,7 +93,8 @@ TEST_F(DeepChain, InAHandIsSummedByEveryStrategyThatWalksTheArms)
             clearResults();
             compute(strategy);
             expectChain();
-            EXPECT_THAT(components(resultOf("right_wrist").force), ElementsAre(0, -(static_cast<float>(kLinks) + 0.5f), 0));
+            EXPECT_THAT(components(resultOf("right_wrist").force),
+                        ElementsAre(0, -(static_cast<float>(kLinks) + 0.5f), 0));
         }
 
         ASSERT_EQ(analysis->setLoad(site("k" + last + ".a"), {0, -500, 0}), 1);

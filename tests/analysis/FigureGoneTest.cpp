@@ -7,6 +7,7 @@
 #include <utility>
 
 using ::testing::ElementsAre;
+using ::testing::IsSupersetOf;
 
 namespace {
 
@@ -15,8 +16,13 @@ std::string gone(const std::string& member)
     return "StaticStrength ERROR: " + member + ": the human of man is gone";
 }
 
-// How the human may go.
-enum class Way { kScene, kHumanAlone };
+// How the human may go. Its figure goes last by the host's rules, but nothing keeps it from going first.
+enum class Way { kScene, kHumanAlone, kFigureAlone };
+
+std::string nameOf(Way way)
+{
+    return way == Way::kScene ? "TheScene" : way == Way::kHumanAlone ? "TheHumanAlone" : "TheFigureAlone";
+}
 
 class FigureGone : public Callbacks, public ::testing::WithParamInterface<Way> {
 protected:
@@ -51,7 +57,27 @@ protected:
     void destroy()
     {
         scene.reset();
-        ownHuman.reset();
+        if (GetParam() == Way::kFigureAlone)
+            own.reset();
+        else
+            ownHuman.reset();
+    }
+
+    // What an analysis says of itself, and the messages that it costs.
+    std::vector<std::string> answersOf(qmStaticStrength& asked)
+    {
+        qVector out(7, 8, 9), other;
+        std::vector<std::string> answers = {asked.getName(), asked.getFullName(), asked.getHuman() ? "human" : "none"};
+        for (const double number :
+             {double(asked.getGravity(out)), double(out[1]), double(asked.getStrategy()), double(asked.isActive()),
+              double(asked.getNumLoadsWithOffset()), double(asked.getNthLoadWithOffset(0)->load[1]),
+              double(asked.compute()), double(asked.getNumLoads()), double(asked.getNumDefinedTorques()),
+              double(asked.getSplitFactor(knee, 1, "waist")), double(asked.getJointForces(knee, out, other)),
+              double(asked.setWeightLoad(grip, 500)), double(asked.reset())})
+            answers.push_back(std::to_string(number));
+        const std::vector<std::string> texts = log.takeTexts();
+        answers.insert(answers.end(), texts.begin(), texts.end());
+        return answers;
     }
 
     std::unique_ptr<qcFigure> own;
@@ -177,6 +203,101 @@ TEST_P(FigureGone, CopiesKnowItToo)
     EXPECT_THAT(log.takeTexts(), ElementsAre(gone("compute"), gone("getNumLoads")));
 }
 
+// A copy, and an analysis that is assigned to, share what the original keeps; the last of them frees it.
+TEST_P(FigureGone, ACopyMadeAfterwardsAnswersAsTheOriginal)
+{
+    destroy();
+    const std::vector<std::string> expected = answersOf(*analysis);
+    EXPECT_THAT(expected, IsSupersetOf({gone("compute"), gone("getNumLoads"), gone("reset")}));
+    auto copy = std::make_unique<qmStaticStrength>(*analysis);
+    qmStaticStrength copyOfCopy(*copy);
+    EXPECT_EQ(answersOf(*copy), expected);
+    EXPECT_EQ(answersOf(*analysis), expected);
+    EXPECT_EQ(copy->getNthLoadWithOffset(0), analysis->getNthLoadWithOffset(0));
+    copy.reset();
+    EXPECT_EQ(answersOf(copyOfCopy), expected);
+    EXPECT_EQ(answersOf(*analysis), expected);
+}
+
+TEST_P(FigureGone, OriginalAndCopyMadeAfterwardsCanBeDeletedInEitherOrder)
+{
+    destroy();
+    const std::vector<std::string> expected = answersOf(*analysis);
+    analyses.push_back(std::make_unique<qmStaticStrength>(*analysis));
+    analyses.push_back(std::make_unique<qmStaticStrength>(*analysis));
+    analyses[2].reset();   // a copy before the original
+    EXPECT_EQ(answersOf(*analyses[0]), expected);
+    analyses[0].reset();   // the original before a copy
+    EXPECT_EQ(answersOf(*analyses[1]), expected);
+    analyses[1].reset();
+}
+
+TEST_P(FigureGone, AnActiveOnesCopyMadeAfterwardsIsActiveAsLongAsTheOriginal)
+{
+    activateQuietly(*analysis, "script");
+    destroy();
+    const std::vector<std::string> expected = answersOf(*analysis);
+    auto first = std::make_unique<qmStaticStrength>(*analysis);
+    qmStaticStrength second(*analysis);
+    EXPECT_EQ(answersOf(second), expected);
+    EXPECT_EQ(second.isActive(), 1);
+    first.reset();
+    EXPECT_EQ(qcSim::step(1), 1);
+    EXPECT_THAT(scripts, ElementsAre("script"));
+    EXPECT_THAT(log.takeTexts(), ElementsAre(gone("compute")));
+    dropAnalysis();
+    EXPECT_EQ(second.isActive(), 0);
+    EXPECT_EQ(qcSim::getNumBound(), 0);
+    EXPECT_EQ(second.compute(), 1);
+    EXPECT_THAT(log.takeTexts(), ElementsAre(gone("compute")));
+}
+
+TEST_P(FigureGone, WhatItIsAssignedToAnswersAsItDoes)
+{
+    destroy();
+    qmStaticStrength& original = *analysis;
+    const std::vector<std::string> expected = answersOf(original);
+    const qmStaticStrength& itself = original;
+    original = itself;
+    EXPECT_EQ(answersOf(original), expected);
+
+    scene = std::make_unique<qcScene>();
+    load(smallBody("other"));
+    activateQuietly(*analysis, "other");   // and is so no more
+    *analysis = original;
+    EXPECT_EQ(answersOf(*analysis), expected);
+    EXPECT_EQ(answersOf(original), expected);
+    EXPECT_EQ(qcSim::getNumBound(), 0);
+    analyses[0].reset();
+    EXPECT_EQ(answersOf(*analysis), expected);
+    dropAnalysis();
+    scene.reset();
+}
+
+TEST_P(FigureGone, AssignedFromAnotherItIsTheOthers)
+{
+    analysis->setName("forsaken");
+    destroy();
+    qmStaticStrength& assigned = *analysis;
+    const qmStaticStrength copy(assigned);   // shares what is let go of
+    scene = std::make_unique<qcScene>();
+    load(smallBody("other"));
+    analysis->setWeightLoad(site("right_hand.right_palmcenter"), 2000);
+    assigned = *analysis;
+    EXPECT_EQ(assigned.getHuman(), human);
+    EXPECT_STREQ(assigned.getName(), "other");
+    EXPECT_EQ(assigned.getNumLoads(), 1);
+    EXPECT_EQ(assigned.getNumLoadsWithOffset(), 0);
+    EXPECT_EQ(assigned.compute(), 1);
+    // kgf at the waist: the nine segments above weigh 29, and 2 lie in the hand
+    EXPECT_NEAR(double(resultOf("waist").force[1]), -31.0, roundingBound(10, 31));
+    dropAnalysis();
+    EXPECT_EQ(assigned.getNumLoads(), 1);
+    scene.reset();
+    EXPECT_EQ(assigned.getNumLoads(), 0);
+    EXPECT_THAT(log.takeTexts(), ElementsAre("StaticStrength ERROR: getNumLoads: the human of other is gone"));
+}
+
 TEST_P(FigureGone, TheAnalysisCanBeDeletedActiveOrNot)
 {
     activateQuietly(*analysis, "script");
@@ -186,8 +307,21 @@ TEST_P(FigureGone, TheAnalysisCanBeDeletedActiveOrNot)
     EXPECT_EQ(qcSim::step(1), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(With, FigureGone, ::testing::Values(Way::kScene, Way::kHumanAlone),
-                         [](const auto& tested) { return tested.param == Way::kScene ? "TheScene" : "TheHumanAlone"; });
+INSTANTIATE_TEST_SUITE_P(With, FigureGone, ::testing::Values(Way::kScene, Way::kHumanAlone, Way::kFigureAlone),
+                         [](const auto& tested) { return nameOf(tested.param); });
+
+class FigureAloneGone : public FigureGone {};
+
+// The human can be asked for; an analysis cannot be made of it any more.
+TEST_P(FigureAloneGone, TheHumanIsGivenNoAnalysis)
+{
+    destroy();
+    EXPECT_EQ(qmStaticStrength::getHandle(human), nullptr);
+    EXPECT_THAT(log.takeTexts(), ElementsAre(gone("getHandle")));
+}
+
+INSTANTIATE_TEST_SUITE_P(With, FigureAloneGone, ::testing::Values(Way::kFigureAlone),
+                         [](const auto& tested) { return nameOf(tested.param); });
 
 // ---- In a script ---------------------------------------------------------------------------------
 

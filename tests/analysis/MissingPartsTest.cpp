@@ -1,11 +1,13 @@
 // Missing parts: every part that a strategy needs, missing one at a time and all at once. What needs it is refused with
-// an error and keeps its earlier results; what does not need it has the results of the whole body.
+// an error that tells what is missing and keeps its earlier results; what does not need it is computed.
 #include "ComputeSupport.h"
 
 #include <map>
 #include <set>
 
+using ::testing::Contains;
 using ::testing::Each;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
@@ -91,14 +93,6 @@ bool isOld(const std::vector<float>& result)
     return result == std::vector<float>(6, kBefore);
 }
 
-bool isLegJoint(const std::string& fullName)
-{
-    for (const char* name : {"hip", "knee", "ankle", "ball"})
-        if (fullName.find(name) != std::string::npos)
-            return true;
-    return false;
-}
-
 std::set<Part> roles(std::initializer_list<const char*> names, std::initializer_list<const char*> ofBothSides)
 {
     std::set<Part> parts;
@@ -149,44 +143,119 @@ std::set<Part> neededBy(Strategy strategy)
     }
 }
 
-// Whether the refusal of a part leaves a joint as it was.
-bool keepsItsResult(Strategy strategy, const Part& part, const std::string& joint)
+using Names = std::set<std::string>;   // of joints
+
+Names leg(const std::string& side)
 {
-    const bool trunk = part.second == "waist" || part.second == "pelvis_site";
-    const std::string side = part.second.substr(0, part.second.find('.'));
+    return {side + "_hip", side + "_knee", side + "_ankle", side + "_ball"};
+}
+
+Names together(Names names, const Names& more)
+{
+    names.insert(more.begin(), more.end());
+    return names;
+}
+
+// Of the 17 joints, those that a refusal leaves as they were. A leg method that lacks a part computes neither leg.
+//
+// On hands and knees the walks follow each other, whatever became of the one before: the waist up to l5; each knee down
+// its leg, then up to the pelvis; the solar plexus down to l5; each hand up to the upper torso. One that does not begin
+// leaves its own joints alone. One whose stop segment is not there goes on through the whole body: nothing is kept.
+Names keptWithout(Strategy strategy, const Part& part)
+{
+    const std::vector<std::string> upper = upperBodyJoints();
+    const Names upperBody(upper.begin(), upper.end());
+    const Names legs = together(leg("right"), leg("left"));
+    const Names toes = {"right_ball", "left_ball"};   // only walks that pass the feet meet them
+    const Names all = together(upperBody, legs);
+    const std::string& name = part.second;
+    const std::string side = name.substr(0, name.find('.'));
     switch (strategy) {
     case qmStaticStrength::TwoFeet:
-    case qmStaticStrength::Walking:
-    case qmStaticStrength::Sitting:
-        // without a pelvis site the waist is not walked and the legs are; without a waist sitting legs are
-        if (trunk && (strategy == qmStaticStrength::Sitting || part.second == "pelvis_site"))
-            return !isLegJoint(joint);
-        return isLegJoint(joint) || part.second == "waist";
+    case qmStaticStrength::Walking:   // the legs need no pelvis site: they take the waist's earlier result
+        return name == "waist" ? all : name == "pelvis_site" ? together(upperBody, toes) : legs;
+    case qmStaticStrength::Sitting:   // the legs take nothing from the waist
+        return name == "waist" || name == "pelvis_site" ? together(upperBody, toes) : legs;
     case qmStaticStrength::RightFoot:
-    case qmStaticStrength::LeftFoot:
-        return true;
-    case qmStaticStrength::SittingNoFeet:
-        if (part.second == "pelvis_site")
-            return true;
-        return trunk ? !isLegJoint(joint) : isLegJoint(joint) && joint.find(side) != std::string::npos;
+    case qmStaticStrength::LeftFoot:   // both walks begin at the ankle
+        return all;
+    case qmStaticStrength::SittingNoFeet:   // all walks begin at the pelvis, each by itself
+        return name == "pelvis_site" ? all : name == "waist" ? upperBody : leg(side);
+    case qmStaticStrength::HandsAndKnees:
+        if (name == "waist")
+            return {"waist"};
+        if (name == side + ".knee")
+            return leg(side);
+        if (name == side + ".hand_site")
+            return {side + "_wrist", side + "_shoulder", side + "_clavicle_joint"};
+        if (name == "solar_plexus")
+            return {"other_solar_plexus", "t8_l5"};
+        return {};   // pelvis and upper torso are stop segments; the balance point is on no walk
     default:
-        return false;   // on hands and knees later walks pass where refused ones did not go
+        return all;
     }
 }
 
+bool hasLegMethod(Strategy strategy)
+{
+    return strategy == qmStaticStrength::TwoFeet || strategy == qmStaticStrength::Walking
+           || strategy == qmStaticStrength::Sitting;
+}
+
+// What a message says of a missing part. The leg methods name it; a walk tells the joint and the site that it was to
+// begin with, as far as they are there.
+std::string messageOn(Strategy strategy, const Part& part)
+{
+    const auto& [kind, name] = part;
+    const std::size_t dot = name.find('.');
+    const bool ofSide = kind == "role" && dot != std::string::npos;
+    if (name == "reference_site")
+        return "missing the reference site";
+    if (name == "pelvis_site")
+        return "joint waist site ???";
+    if (name == "waist" && hasLegMethod(strategy) && strategy != qmStaticStrength::Sitting)
+        return "waist on lower_torso";
+    if (hasLegMethod(strategy) && ofSide)
+        return name.substr(0, dot) + " " + name.substr(dot + 1) + " on ";
+    if (hasLegMethod(strategy) && kind != "role")
+        return kind + " " + name;
+    if (ofSide && name.substr(dot) == ".foot_site")
+        return "joint " + name.substr(0, dot) + "_ankle site ???";
+    if (name == "upper_torso")
+        return "joint solar_plexus site ???";
+    return "joint ??? site ???";
+}
+
+// All joints are looked at: those that do not keep their result have to have another one, or none. Nothing that was
+// computed reads the missing part, so it is as on the whole body; but the legs on a waist that was not walked take its
+// earlier result, and on hands and knees the shares, and the way of a walk without its stop segment, are others.
 TEST_F(MissingPart, ThatAStrategyNeedsIsRefusedAndWhatNeedsItKeepsItsResults)
 {
-    for (const Strategy strategy : kAllStrategies)
+    for (const Strategy strategy : kAllStrategies) {
+        loadWithout({});
+        const auto whole = results(strategy);
+        ASSERT_EQ(whole.size(), 17u);
         for (const Part& part : neededBy(strategy)) {
             SCOPED_TRACE(std::to_string(strategy) + " without " + part.first + " " + part.second);
             loadWithout({part});
             const auto found = results(strategy);
             const std::vector<std::string> texts = log.takeTexts();
-            EXPECT_FALSE(texts.empty());
             EXPECT_THAT(texts, Each(StartsWith("StaticStrength ERROR: ")));
-            for (const auto& [name, result] : found)
-                EXPECT_TRUE(isOld(result) || !keepsItsResult(strategy, part, name)) << name;
+            EXPECT_THAT(texts, Contains(HasSubstr(messageOn(strategy, part))));
+
+            const bool onOldWaist = part.second == "pelvis_site" && strategy != qmStaticStrength::Sitting;
+            const bool asOnWholeBody = strategy != qmStaticStrength::HandsAndKnees && !onOldWaist;
+            Names kept;
+            for (const auto& [fullName, result] : found) {
+                if (isOld(result)) {
+                    kept.insert(fullName.substr(fullName.find('.') + 1));
+                } else if (asOnWholeBody) {
+                    EXPECT_EQ(result, whole.at(fullName)) << fullName;
+                }
+            }
+            EXPECT_EQ(kept, keptWithout(strategy, part));
         }
+    }
 }
 
 TEST_F(MissingPart, ThatAStrategyDoesNotNeedChangesNothing)
@@ -225,6 +294,12 @@ TEST_F(MissingPart, AllMissingAtOnceAreRefused)
         const std::vector<std::string> texts = log.takeTexts();
         EXPECT_EQ(texts.empty(), needed.empty());
         EXPECT_THAT(texts, Each(StartsWith("StaticStrength ERROR: ")));
+        for (const Part& part : needed) {   // in one message, but for those of the walks and a missing segment's sites
+            const bool ofTrunk = part.first == "role" && part.second.find('.') == std::string::npos;
+            if (hasLegMethod(strategy) && !ofTrunk && part.first != "site") {
+                EXPECT_THAT(texts.back(), HasSubstr(messageOn(strategy, part)));
+            }
+        }
         for (const auto& [name, result] : found)
             EXPECT_TRUE(isOld(result)) << name;
     }

@@ -89,6 +89,14 @@ void wholeReport(MemoryWorld& w)
     }
 }
 
+void computeByEveryStrategy(MemoryWorld& w)
+{
+    for (int i = 0; i < 8; ++i) {
+        w.a().setStrategy(static_cast<qmStaticStrength::Strategy>(i));
+        EXPECT_EQ(w.a().compute(), 1);
+    }
+}
+
 constexpr const char* kScript = "print('a text that is too long to be kept inside a string object')";
 
 const Case cases[] = {
@@ -292,11 +300,52 @@ const Case cases[] = {
     {"compute", "of a figure that lacks what every strategy needs",
      [](MemoryWorld& w) {
          w.fill();
-         for (int i = 0; i < 8; ++i) {
-             w.a().setStrategy(static_cast<qmStaticStrength::Strategy>(i));
-             EXPECT_EQ(w.a().compute(), 1);
-         }
+         computeByEveryStrategy(w);
          w.a().clear();
+     }},
+
+    // a human that is gone
+    {"every member that needs the human", "once it is gone, active with a script",
+     [](MemoryWorld&) {
+         auto scene = std::make_unique<qcScene>();
+         qcHuman* human = scene->addPosedHuman(twoParts("gone").text().c_str());
+         qcSite* grip = human->getFigure()->findSiteByFullName("gone.hand.grip");
+         qcJoint* wrist = human->getFigure()->findJoint("wrist");
+         qVector torque(1, 2, 3);
+         qmStaticStrength a(human);
+         EXPECT_EQ(a.setWeightLoad(grip, 500), 1);
+         EXPECT_EQ(a.setDefinedTorque(wrist, torque), 1);
+         loadWithOffset* record = a.setLoadWithOffset(grip, {1, 2, 3}, {0, -1, 0});
+         EXPECT_EQ(a.activate(kScript), 1);
+         scene.reset();
+
+         a.setGravity({0, 0, -490});
+         a.setStrategy(qmStaticStrength::Sitting);
+         a.setFMonJoint(wrist, {0, -1, 0}, {1, 0, 0});
+         a.clear();
+         EXPECT_EQ(a.setLoad(grip, {0, -1, 0}), 0);
+         EXPECT_EQ(a.setWeightLoad(grip, 700), 0);
+         EXPECT_EQ(a.removeLoad(grip), 0);
+         EXPECT_EQ(a.getNumLoads(), 0);
+         EXPECT_EQ(a.getNthLoadSite(0), nullptr);
+         EXPECT_EQ(a.getLoadType(grip), nullptr);
+         EXPECT_EQ(a.getSiteWeight(grip), -1.0f);
+         EXPECT_EQ(a.getSiteLoad(grip, force), 0);
+         EXPECT_EQ(a.setLoadWithOffset(grip, {}, {0, -1, 0}), nullptr);
+         EXPECT_EQ(a.setWeightLoadWithOffset(grip, {}, 5), nullptr);
+         EXPECT_EQ(a.removeLoadWithOffset(record), 0);
+         EXPECT_EQ(a.setDefinedTorque(wrist, torque), 0);
+         EXPECT_EQ(a.removeDefinedTorque(wrist), 0);
+         EXPECT_EQ(a.getNumDefinedTorques(), 0);
+         EXPECT_EQ(a.getNthDefinedTorqueJoint(0), nullptr);
+         EXPECT_EQ(a.getDefinedTorque(wrist, torque), 0);
+         EXPECT_EQ(a.reset(), 0);
+         EXPECT_EQ(a.reportLoads(1), nullptr);
+         EXPECT_EQ(a.getJointForces(wrist, force, moment), 0);
+         EXPECT_EQ(a.getSplitFactor(wrist, 1, "waist"), 0.0f);
+         EXPECT_EQ(a.compute(), 1);
+         EXPECT_EQ(a.deactivate(), 1);
+         EXPECT_EQ(a.activate(kScript), 0);
      }},
 };
 
@@ -338,17 +387,29 @@ TEST(ValuesFreed, ByComputingABodyByEveryStrategy)
         w.a().setDefinedTorque(w.figure->findJoint("waist"), torque);
         w.a().setLoadWithOffset(palm, {1, 2, 3}, {0, -1, 0}, 1);
         w.figure->setProperty("RightZelHandLoads", text("1 2 3"));
-        const auto everyStrategy = [&w] {
-            for (int i = 0; i < 8; ++i) {
-                w.a().setStrategy(static_cast<qmStaticStrength::Strategy>(i));
-                EXPECT_EQ(w.a().compute(), 1);
-            }
-        };
-        everyStrategy();
+        computeByEveryStrategy(w);
         w.a().setWeightLoad(palm, 500);
-        everyStrategy();
-        withEveryShape(palm, "SSTR_Load", everyStrategy);
+        computeByEveryStrategy(w);
+        withEveryShape(palm, "SSTR_Load", [&w] { computeByEveryStrategy(w); });
         w.figure->removeProperty("RightZelHandLoads");
+        w.a().clear();
+    });
+}
+
+// Clavicle, arm and hand form a circle: every walk that comes to the shoulder is broken off with its sums half done.
+TEST(ValuesFreed, ByWalksThatAreBrokenOffAtACircle)
+{
+    SmallFigure body = smallBody();
+    body.joint("strap", "right_clavicle.distal", "right_hand.right_palmcenter");
+    expectAllGivenBack(body, [](MemoryWorld& w) {
+        qVector torque(1, 2, 3);
+        qcSite* palm = w.site("right_hand.right_palmcenter");
+        w.a().setDefinedTorque(w.figure->findJoint("right_shoulder"), torque);
+        w.a().setLoadWithOffset(palm, {1, 2, 3}, {0, -1, 0}, 1);
+        w.a().setWeightLoad(palm, 500);
+        computeByEveryStrategy(w);
+        EXPECT_EQ(w.a().getJointForces(w.figure->findJoint("right_shoulder"), force, moment), 0) << "no circle";
+        EXPECT_EQ(w.a().getJointForces(w.figure->findJoint("right_hip"), force, moment), 1) << "nothing else";
         w.a().clear();
     });
 }

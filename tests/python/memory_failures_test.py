@@ -9,6 +9,8 @@ import itertools
 import os
 import sys
 
+os.environ["QC_VALUE_MEMORY"] = "heap"   # read by the first value: else values come from a pool, and few can fail
+
 import libqcc as qc
 import libqmSSTRc as ss
 from qcc_support import HostTest, single
@@ -19,6 +21,7 @@ LIBRARY = ctypes.CDLL(None)
 LONG = "a text too long to lie within a string object or in a pool of the interpreter " * 8
 NAME = LONG[:80]   # of a type
 OUT_OF_MEMORY = "Out of memory."
+RAISED = object()   # for a failure value: none, the member asks for no memory; what it gives Python may
 # else it takes its small blocks from pools that it keeps
 INTERPRETER_ASKS_THE_SYSTEM = os.environ.get("PYTHONMALLOC") == "malloc" and sys.version_info >= (3, 6)
 
@@ -45,7 +48,8 @@ class MemoryFailures(object):
         """Lets every allocation fail in turn; yields (result, text of the MemoryError or None) after each.
 
         before: called before each attempt; deep: the interpreter's allocations too; stride: skips ever more of many;
-        optional: there may be none; done: called with the result when nothing fails any more. Meanwhile self.further tells whether all further allocations fail too.
+        optional: there may be none; done: called with the result when nothing fails any more. Meanwhile self.further
+        tells whether all further allocations fail too.
         """
         deep, stride, before = options.get("deep", 0), options.get("stride", 1), options.get("before")
         for self.further in (0, 1):
@@ -63,11 +67,16 @@ class MemoryFailures(object):
             self.assertTrue(n > 1 or options.get("optional"), "%s allocates nothing" % function.__name__)
 
     def check_all_fail(self, text, function, *arguments, **options):
-        """Every failure is a MemoryError of that text, and nothing that was taken stays."""
+        """Every failure is a MemoryError of that text, and nothing that was taken stays.
+
+        give_back: called after each failure, drops what the function may rightly leave.
+        """
         for once in self.each_failure(function, *arguments, **options):
             pass   # what is made once and kept, as for the first exception ever thrown, is made here
         for result, found in self.each_failure(function, *arguments, **options):
             self.assertEqual((function.__name__, result, found), (function.__name__, None, text))
+            if "give_back" in options:
+                options["give_back"]()
             self.assertEqual((function.__name__, LIBRARY.failing_malloc_outstanding()), (function.__name__, 0))
 
 
@@ -167,7 +176,9 @@ class Analysis(HostTest, MemoryFailures):
         HostTest.tearDown(self)
 
     def test_analysis_that_cannot_be_made_leaves_nothing(self):
-        self.check_all_fail(OUT_OF_MEMORY, ss.new_qmStaticStrength, self.human, done=ss.delete_qmStaticStrength)
+        # where only Python's name for it is missing, the analysis has stored its strategy on the figure
+        self.check_all_fail(OUT_OF_MEMORY, ss.new_qmStaticStrength, self.human, done=ss.delete_qmStaticStrength,
+                            give_back=lambda: qc.qcObject_removeProperty(self.figure, "SSTR_Strategy"))
 
     def test_record_that_python_cannot_be_given_is_taken_back(self):
         analysis = ss.new_qmStaticStrength(self.human)
@@ -184,49 +195,107 @@ class Analysis(HostTest, MemoryFailures):
         qc.qcMessages_take()
 
     def calls(self, analysis):
-        record = ss.qmStaticStrength_getNthLoadWithOffset(analysis, 0)
+        """Sets everything anew. @return rows: what is given when memory runs out in the member, function, arguments"""
         a, s, j, v = analysis, self.palm, self.knee, self.vector
+        ss.delete_qmStaticStrength(ss.qmStaticStrength_getHandle(self.other))
+        ss.qmStaticStrength_deactivate(a)
+        ss.qmStaticStrength_clear(a)
+        self.assertEqual((ss.qmStaticStrength_setWeightLoad(a, s, 5), ss.qmStaticStrength_setDefinedTorque(a, j, v)),
+                         (1, 1))
+        ss.qmStaticStrength_setFMonJoint(a, j, v, v)
+        record = ss.qmStaticStrength_setLoadWithOffset(a, s, v, v)
+        ss.qmStaticStrength_setLoadWithOffset(a, s, v, v)   # to remove the last one needs no memory
         return [
-            (ss.qmStaticStrength_setLoad, a, s, v), (ss.qmStaticStrength_setWeightLoad, a, s, 5),
-            (ss.qmStaticStrength_getSiteLoad, a, s, v), (ss.qmStaticStrength_getSiteWeight, a, s),
-            (ss.qmStaticStrength_getLoadType, a, s), (ss.qmStaticStrength_getNthLoadSite, a, 0),
-            (ss.qmStaticStrength_reportLoads, a, 1), (ss.qmStaticStrength_setLoadWithOffset, a, s, v, v),
-            (ss.qmStaticStrength_setWeightLoadWithOffset, a, s, v, 5),
-            (ss.qmStaticStrength_getNthLoadWithOffset, a, 0), (ss.loadWithOffset_site_get, record),
-            (ss.loadWithOffset_type_get, record), (ss.loadWithOffset_load_get, record),
-            (ss.qmStaticStrength_setDefinedTorque, a, j, v), (ss.qmStaticStrength_getDefinedTorque, a, j, v),
-            (ss.qmStaticStrength_getNthDefinedTorqueJoint, a, 0), (ss.qmStaticStrength_setStrategy, a, 0),
-            (ss.qmStaticStrength_compute, a), (ss.qmStaticStrength_setFMonJoint, a, j, v, v),
-            (ss.qmStaticStrength_getJointForces, a, j, v, v), (ss.qmStaticStrength_getSplitFactor, a, j, 1, LONG),
-            (ss.qmStaticStrength_getHuman, a), (ss.qmStaticStrength_getHandle, self.human),
-            (ss.qmStaticStrength_activate, a, "#" + LONG), (ss.qmStaticStrength_run_script, a),
-            (ss.qmStaticStrength_deactivate, a), (ss.qmStaticStrength_removeLoad, a, s),
-            (ss.qmStaticStrength_removeDefinedTorque, a, j),
-            (ss.qmStaticStrength_setGravity, a, v), (ss.qmStaticStrength_reset, a), (ss.qmStaticStrength_clear, a),
+            (0, ss.qmStaticStrength_setLoad, a, s, v), (0, ss.qmStaticStrength_setWeightLoad, a, s, 7),
+            (0, ss.qmStaticStrength_getSiteLoad, a, s, v), (-1.0, ss.qmStaticStrength_getSiteWeight, a, s),
+            (None, ss.qmStaticStrength_getLoadType, a, s), ("NULL", ss.qmStaticStrength_getNthLoadSite, a, 0),
+            (0, ss.qmStaticStrength_getNumLoads, a), (0, ss.qmStaticStrength_removeLoad, a, s),
+            (None, ss.qmStaticStrength_reportLoads, a, 1),
+            ("NULL", ss.qmStaticStrength_setLoadWithOffset, a, s, v, v),
+            ("NULL", ss.qmStaticStrength_setWeightLoadWithOffset, a, s, v, 5),
+            (RAISED, ss.qmStaticStrength_getNthLoadWithOffset, a, 0),
+            (RAISED, ss.loadWithOffset_site_get, record), (RAISED, ss.loadWithOffset_type_get, record),
+            (RAISED, ss.loadWithOffset_load_get, record), (RAISED, ss.loadWithOffset_offset_get, record),
+            (0, ss.qmStaticStrength_removeLoadWithOffset, a, record),
+            (0, ss.qmStaticStrength_setDefinedTorque, a, j, v), (0, ss.qmStaticStrength_getDefinedTorque, a, j, v),
+            ("NULL", ss.qmStaticStrength_getNthDefinedTorqueJoint, a, 0),
+            (0, ss.qmStaticStrength_getNumDefinedTorques, a), (0, ss.qmStaticStrength_removeDefinedTorque, a, j),
+            (None, ss.qmStaticStrength_setStrategy, a, 5), (1, ss.qmStaticStrength_compute, a),
+            (None, ss.qmStaticStrength_setFMonJoint, a, j, self.other_vector, v),
+            (0, ss.qmStaticStrength_getJointForces, a, j, v, v),
+            (RAISED, ss.qmStaticStrength_getSplitFactor, a, j, 1, LONG),
+            (RAISED, ss.qmStaticStrength_getHuman, a), (RAISED, ss.qmStaticStrength_getHandle, self.human),
+            ("NULL", ss.qmStaticStrength_getHandle, self.other),
+            (0, ss.qmStaticStrength_activate, a, "#" + LONG), (RAISED, ss.qmStaticStrength_deactivate, a),
+            (None, ss.qmStaticStrength_setGravity, a, self.other_vector), (0, ss.qmStaticStrength_reset, a),
+            (RAISED, ss.qmStaticStrength_clear, a),
         ]
 
-    def test_no_call_ends_the_process_and_all_work_when_there_is_memory_again(self):
-        for deep in (0, 1):
-            for which in itertools.count():
-                analysis = ss.new_qmStaticStrength(self.human)
-                ss.qmStaticStrength_setLoadWithOffset(analysis, self.palm, self.vector, self.vector)
-                calls = self.calls(analysis)
-                if which == len(calls):
-                    ss.qmStaticStrength_clear(analysis)
-                    ss.delete_qmStaticStrength(analysis)
-                    break
-                call = calls[which]
+    def state(self, analysis):
+        """What calls may change."""
+        properties = [qc.qcObject_getProperty(each, key) for each, keys in (
+            (self.figure, ("SSTR_LoadList", "SSTR_LoadWithOffsetList", "SSTR_TorqueList", "SSTR_Strategy")),
+            (self.palm, ("SSTR_Load", "SSTR_LoadsWithOffsets")),
+            (self.knee, ("SSTR_Torque", "SSTR_Force_Moment"))) for key in keys]
+        return (properties, ss.qmStaticStrength_getStrategy(analysis), ss.qmStaticStrength_isActive(analysis),
+                ss.qmStaticStrength_getNumLoadsWithOffset(analysis),
+                ss.qmStaticStrength_getGravity(analysis, self.scratch))
+
+    def check_passed_on(self, call, result, text, further, deep):
+        """After a failure. @return whether it was the member's own, and its failure value came with its report"""
+        name = call[1].__name__
+        where = (name, result, text, further, deep)
+        messages = qc.qcMessages_take()
+        if text is not None:   # memory for Python's arguments or result; any text when the interpreter lacks it
+            self.assertTrue(result is None and (deep or text == OUT_OF_MEMORY), where)
+            self.assertEqual((where, messages), (where, []))
+            return False
+        self.assertTrue(call[0] is not RAISED, where)
+        self.assertEqual((where, result, type(result)), (where, call[0], type(call[0])))
+        report = ("error", "StaticStrength ERROR: out of memory in " + name[len("qmStaticStrength_"):])
+        # without any memory the report goes to standard error
+        self.assertEqual((where, messages), (where, [] if further else [report]))
+        return True
+
+    def check_each_failure(self, analysis, which, further, deep):
+        """Lets each allocation of a call fail. @return how often the member's failure value came"""
+        passed_on = 0
+        for n in itertools.count(1):
+            call = self.calls(analysis)[which]
+            before = self.state(analysis)
+            qc.qcMessages_take()
+            failed, result, text = self.attempt(n, further, deep, call[1], call[2:])
+            if failed == 0:
+                # of success, if it differs from that of failure
+                if call[0] not in (RAISED, None) and call[1] is not ss.qmStaticStrength_compute:
+                    self.assertNotEqual((call[1].__name__, result), (call[1].__name__, call[0]))
+                return passed_on
+            if self.check_passed_on(call, result, text, further, deep):
+                passed_on += 1
+                if call[1] is not ss.qmStaticStrength_compute:   # it keeps what it has stored so far
+                    self.assertEqual((call[1].__name__, self.state(analysis)), (call[1].__name__, before))
+
+    def test_failure_values_are_passed_on_and_all_work_when_there_is_memory_again(self):
+        self.other = self.posed_human("other")
+        self.other_vector, self.scratch = qc.new_qVector(0, -490, 1), qc.new_qVector(0, 0, 0)
+        analysis = ss.new_qmStaticStrength(self.human)
+        ss.qmStaticStrength_activate(analysis, "")   # the buffer of standard output is made
+        for which, row in enumerate(self.calls(analysis)):
+            for deep in (0, 1):
                 for further in (0, 1):
-                    for n in itertools.count(1):
-                        failed = self.attempt(n, further, deep, call[0], call[1:])[0]
-                        if failed == 0:
-                            break
-                ss.qmStaticStrength_clear(analysis)
-                qc.qcMessages_take()
-                self.assertEqual(ss.qmStaticStrength_setWeightLoad(analysis, self.palm, 5), 1)
-                self.assertEqual(ss.qmStaticStrength_getSiteWeight(analysis, self.palm), 5.0)
-                ss.qmStaticStrength_clear(analysis)
-                ss.delete_qmStaticStrength(analysis)
+                    passed_on = self.check_each_failure(analysis, which, further, deep)
+                    if not (deep and further):   # there the interpreter lacks memory for the result as well
+                        self.assertEqual((row[1].__name__, passed_on > 0), (row[1].__name__, row[0] is not RAISED))
+            ss.qmStaticStrength_clear(analysis)
+            qc.qcMessages_take()
+            self.assertEqual(ss.qmStaticStrength_setWeightLoad(analysis, self.palm, 5), 1)
+            self.assertEqual(ss.qmStaticStrength_getSiteWeight(analysis, self.palm), 5.0)
+        ss.qmStaticStrength_clear(analysis)
+        ss.qmStaticStrength_deactivate(analysis)
+        ss.delete_qmStaticStrength(ss.qmStaticStrength_getHandle(self.other))
+        ss.delete_qmStaticStrength(analysis)
+        qc.delete_qVector(self.other_vector)
+        qc.delete_qVector(self.scratch)
         handle = ss.qmStaticStrength_getHandle(self.human)
         self.assertEqual(ss.qmStaticStrength_getHuman(handle), self.human)
         ss.delete_qmStaticStrength(handle)
@@ -254,7 +323,7 @@ class Host(HostTest, MemoryFailures):
                     qc.qcObject_removeProperty(figure, "K")
                     if old is not None:
                         qc.qcObject_setProperty(figure, "K", old)
-                # what the host has in its pools needs no memory
+                # a value that takes another's place may need no memory
                 for result, text in self.each_failure(qc.qcObject_setProperty, figure, "K", value, before=restore,
                                                       optional=True):
                     self.assertEqual((result, text), (None, OUT_OF_MEMORY))
@@ -296,8 +365,15 @@ class Host(HostTest, MemoryFailures):
     def test_scripts_fail_with_a_message(self):
         analysis = self.analysis_of(self.posed_human())
         ss.qmStaticStrength_activate(analysis, "# " + LONG)
+        # not the interpreter's own allocations: its compiler does not survive every failure of them
         for result, text in self.each_failure(ss.qmStaticStrength_run_script, analysis):
-            self.assertTrue(result is None, result)
+            messages = qc.qcMessages_take()
+            self.assertEqual((result, text), (None, None))
+            if self.further:   # without any memory the message goes to standard error
+                self.assertEqual(messages, [])
+            else:
+                self.assertTrue(messages in ([("error", "StaticStrength ERROR: out of memory in run_script")],
+                                             [("error", "cannot run a script: out of memory.")]), messages)
             gc.collect()
         ss.qmStaticStrength_deactivate(analysis)
         qc.qcMessages_take()
