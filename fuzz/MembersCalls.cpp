@@ -13,7 +13,7 @@ using Strategy = qmStaticStrength::Strategy;
 
 // ---- Loads ----
 
-void MembersWorld::setLoad(Object& object)
+void MembersWorld::setLoad(ModelledAnalysis& object)
 {
     qcSite* site = anySite();
     const bool weight = data.ConsumeBool();
@@ -31,7 +31,7 @@ void MembersWorld::setLoad(Object& object)
     setEntry(object.of->loads, keyOf(site), load);
 }
 
-void MembersWorld::removeLoad(Object& object)
+void MembersWorld::removeLoad(ModelledAnalysis& object)
 {
     qcSite* site = anySite();
     FigureModel* figure = site ? figureOf(site->getSegment()->getFigure()) : nullptr;
@@ -42,7 +42,7 @@ void MembersWorld::removeLoad(Object& object)
         removeEntry(object.of->loads, keyOf(site));
 }
 
-void MembersWorld::setOffsetLoad(Object& object)
+void MembersWorld::setOffsetLoad(ModelledAnalysis& object)
 {
     if (object.records->size() > 12)
         return;
@@ -66,14 +66,14 @@ void MembersWorld::setOffsetLoad(Object& object)
     modelSave(object);
 }
 
-void MembersWorld::removeOffsetLoad(Object& object)
+void MembersWorld::removeOffsetLoad(ModelledAnalysis& object)
 {
     if (!modelled) {
         object.real->removeLoadWithOffset(object.real->getNthLoadWithOffset(data.ConsumeIntegralInRange(-1, 12)));
         return;
     }
     loadWithOffset* record = nullptr;
-    const Object& owner = anyObject();   // perhaps another one
+    const ModelledAnalysis& owner = anyObject();   // perhaps another one
     if (!owner.records->empty() && !oneIn(8))
         record = const_cast<loadWithOffset*>((*owner.records)[index(owner.records->size())].record);
     else if (!formerRecords.empty())
@@ -90,7 +90,7 @@ void MembersWorld::removeOffsetLoad(Object& object)
     modelSave(object);
 }
 
-void MembersWorld::setTorque(Object& object)
+void MembersWorld::setTorque(ModelledAnalysis& object)
 {
     qcJoint* joint = anyJoint();
     qVector torque = vector();
@@ -101,7 +101,7 @@ void MembersWorld::setTorque(Object& object)
     setEntry(object.of->torques, joint->getName(), torque);
 }
 
-void MembersWorld::removeTorque(Object& object)
+void MembersWorld::removeTorque(ModelledAnalysis& object)
 {
     qcJoint* joint = anyJoint();
     FigureModel* figure = joint ? figureOf(joint->getFigure()) : nullptr;
@@ -112,7 +112,7 @@ void MembersWorld::removeTorque(Object& object)
         removeEntry(object.of->torques, joint->getName());
 }
 
-void MembersWorld::setStrategy(Object& object)
+void MembersWorld::setStrategy(ModelledAnalysis& object)
 {
     object.strategy = data.ConsumeIntegralInRange(-1, 8);
     object.real->setStrategy(static_cast<Strategy>(object.strategy));
@@ -133,14 +133,14 @@ void checkNoResults(const AnalysedHuman& human)
 
 }   // namespace
 
-void MembersWorld::clear(Object& object)
+void MembersWorld::clear(ModelledAnalysis& object)
 {
     object.real->clear();
     modelClear(object);
     checkNoResults(*object.of->human);
 }
 
-void MembersWorld::reset(Object& object, const qVector* gravity)
+void MembersWorld::reset(ModelledAnalysis& object, const qVector* gravity)
 {
     if (gravity) {
         object.gravity = *gravity;
@@ -156,7 +156,7 @@ void MembersWorld::reset(Object& object, const qVector* gravity)
 
 // ---- Report and results ----
 
-void MembersWorld::report(Object& object)
+void MembersWorld::report(ModelledAnalysis& object)
 {
     if (data.ConsumeBool()) {
         object.real->reportLoads(data.ConsumeIntegralInRange(-1, 1));
@@ -172,7 +172,7 @@ void MembersWorld::report(Object& object)
     check(!modelled || lines == object.of->loads.size() + 2, "a report has a line a load, the strategy and gravity");
 }
 
-void MembersWorld::useResults(Object& object)
+void MembersWorld::useResults(ModelledAnalysis& object)
 {
     qcJoint* joint = anyJoint();
     qVector force(1, 2, 3), moment(4, 5, 6);

@@ -41,8 +41,8 @@ void MembersWorld::construct()
 {
     if (objects.size() >= kMostObjects)
         return;
-    objects.push_back(std::make_unique<Object>());
-    Object& made = *objects.back();
+    objects.push_back(std::make_unique<ModelledAnalysis>());
+    ModelledAnalysis& made = *objects.back();
     made.of = &anyFigure();
     made.real = new qmStaticStrength(made.of->human->human());
     modelReset(made);
@@ -60,7 +60,7 @@ void MembersWorld::handle()
     }
     if (objects.size() >= kMostObjects)
         return;
-    objects.push_back(std::make_unique<Object>());
+    objects.push_back(std::make_unique<ModelledAnalysis>());
     objects.back()->of = &figure;
     objects.back()->real = qmStaticStrength::getHandle(figure.human->human());
     modelReset(*objects.back());
@@ -70,16 +70,16 @@ void MembersWorld::copy()
 {
     if (objects.size() >= kMostObjects)
         return;
-    const Object& original = anyObject();
-    objects.push_back(std::make_unique<Object>(original));
+    const ModelledAnalysis& original = anyObject();
+    objects.push_back(std::make_unique<ModelledAnalysis>(original));
     objects.back()->real = new qmStaticStrength(*original.real);
     objects.back()->registered = false;
 }
 
 void MembersWorld::assign()
 {
-    Object& to = anyObject();
-    const Object& from = anyObject();
+    ModelledAnalysis& to = anyObject();
+    const ModelledAnalysis& from = anyObject();
     check(&(*to.real = *from.real) == to.real, "an assignment gives the object assigned to");
     if (&to == &from)
         return;
@@ -99,7 +99,7 @@ void MembersWorld::destroy(Index which)
 }
 
 // A callback ends with the object that bound it, unless the object takes the same one over.
-void MembersWorld::release(Object& object, const Object* keeper)
+void MembersWorld::release(ModelledAnalysis& object, const ModelledAnalysis* keeper)
 {
     if (keeper && keeper->callback == object.callback && keeper->script == object.script)
         return;
@@ -107,7 +107,7 @@ void MembersWorld::release(Object& object, const Object* keeper)
         endCallback(object);
 }
 
-void MembersWorld::endCallback(Object& object)
+void MembersWorld::endCallback(ModelledAnalysis& object)
 {
     const int callback = object.callback, script = object.script;
     for (const auto& other : objects) {
@@ -118,7 +118,7 @@ void MembersWorld::endCallback(Object& object)
 
 // ---- Callback and scripts ----
 
-void MembersWorld::activate(Object& object)
+void MembersWorld::activate(ModelledAnalysis& object)
 {
     // letters that say what the script does; see runScript()
     const std::string script = data.ConsumeRandomLengthString(6);
@@ -158,7 +158,7 @@ int MembersWorld::runScript(const char* script)
     ++scriptDepth;
     for (const char* c = script; *c && !objects.empty() && scriptDepth < 4; ++c) {
         const Index which = static_cast<unsigned char>(*c) / 8 % objects.size();
-        Object& object = *objects[which];
+        ModelledAnalysis& object = *objects[which];
         switch (static_cast<unsigned char>(*c) % 8) {
         case 0:
             endCallback(object);
@@ -197,7 +197,7 @@ void MembersWorld::callOne()
 {
     if (objects.empty())
         construct();
-    Object& object = anyObject();
+    ModelledAnalysis& object = anyObject();
     switch (data.ConsumeIntegralInRange(0, 23)) {
     case 0:
         construct();

@@ -8,7 +8,7 @@
 #include <map>
 #include <string>
 
-void MembersWorld::modelClear(Object& object)
+void MembersWorld::modelClear(ModelledAnalysis& object)
 {
     FigureModel& figure = *object.of;
     figure.siteLoads.clear();
@@ -22,7 +22,7 @@ void MembersWorld::modelClear(Object& object)
     object.records->clear();
 }
 
-int MembersWorld::modelReset(Object& object)
+int MembersWorld::modelReset(ModelledAnalysis& object)
 {
     FigureModel& figure = *object.of;
     const FigureModel saved = figure;
@@ -59,7 +59,7 @@ int MembersWorld::modelReset(Object& object)
     return result ? 1 : 0;
 }
 
-void MembersWorld::modelRestoreOffsets(Object& object, const Records& saved)
+void MembersWorld::modelRestoreOffsets(ModelledAnalysis& object, const Records& saved)
 {
     for (OffsetLoad load : saved) {
         load.site = object.of->siteOf(keyOf(load.site));
@@ -77,7 +77,7 @@ void MembersWorld::modelRestoreOffsets(Object& object, const Records& saved)
 }
 
 // Sites that have no record any more keep what they had.
-void MembersWorld::modelSave(Object& object)
+void MembersWorld::modelSave(ModelledAnalysis& object)
 {
     object.of->hasOffsetList = true;
     object.of->offsets = *object.records;
@@ -132,7 +132,7 @@ void MembersWorld::compareFigure(const FigureModel& figure) const
     }
 }
 
-void MembersWorld::compareObject(const Object& object) const
+void MembersWorld::compareObject(const ModelledAnalysis& object) const
 {
     qmStaticStrength& real = *object.real;
     const FigureModel& figure = *object.of;

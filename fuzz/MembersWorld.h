@@ -16,7 +16,7 @@
 #include <vector>
 
 /// An analysis, and what it keeps itself. Copies share the records.
-struct Object {
+struct ModelledAnalysis {
     qmStaticStrength* real;
     FigureModel* of;
     qVector gravity{0, -980.665f, 0};
@@ -62,7 +62,7 @@ private:
     }
     Index index(Index count) { return data.ConsumeIntegralInRange<Index>(0, count - 1); }
     FigureModel& anyFigure() { return *figures[index(figures.size())]; }
-    Object& anyObject() { return *objects[index(objects.size())]; }
+    ModelledAnalysis& anyObject() { return *objects[index(objects.size())]; }
     qcSite* anySite()   // now and then of the other human, or none
     {
         const auto& all = anyFigure().human->sites();
@@ -87,38 +87,38 @@ private:
     void copy();
     void assign();
     void destroy(Index which);
-    void release(Object& object, const Object* keeper);
-    void endCallback(Object& object);
-    void activate(Object& object);
+    void release(ModelledAnalysis& object, const ModelledAnalysis* keeper);
+    void endCallback(ModelledAnalysis& object);
+    void activate(ModelledAnalysis& object);
     void step();
     int runScript(const char* script);
 
     // Input, report and results: MembersCalls.cpp.
-    void setLoad(Object& object);
-    void removeLoad(Object& object);
-    void setOffsetLoad(Object& object);
-    void removeOffsetLoad(Object& object);
-    void setTorque(Object& object);
-    void removeTorque(Object& object);
-    void setStrategy(Object& object);
-    void clear(Object& object);
-    void reset(Object& object, const qVector* gravity);
-    void report(Object& object);
-    void useResults(Object& object);
+    void setLoad(ModelledAnalysis& object);
+    void removeLoad(ModelledAnalysis& object);
+    void setOffsetLoad(ModelledAnalysis& object);
+    void removeOffsetLoad(ModelledAnalysis& object);
+    void setTorque(ModelledAnalysis& object);
+    void removeTorque(ModelledAnalysis& object);
+    void setStrategy(ModelledAnalysis& object);
+    void clear(ModelledAnalysis& object);
+    void reset(ModelledAnalysis& object, const qVector* gravity);
+    void report(ModelledAnalysis& object);
+    void useResults(ModelledAnalysis& object);
 
     // What has to be left, and its comparison: MembersModel.cpp.
-    void modelClear(Object& object);
-    int modelReset(Object& object);
-    void modelSave(Object& object);
-    void modelRestoreOffsets(Object& object, const Records& saved);
+    void modelClear(ModelledAnalysis& object);
+    int modelReset(ModelledAnalysis& object);
+    void modelSave(ModelledAnalysis& object);
+    void modelRestoreOffsets(ModelledAnalysis& object, const Records& saved);
     void compareFigure(const FigureModel& figure) const;
-    void compareObject(const Object& object) const;
+    void compareObject(const ModelledAnalysis& object) const;
 
     FuzzedDataProvider& data;
     std::vector<std::unique_ptr<FigureModel>> figures;
-    std::vector<std::unique_ptr<Object>> objects;   // in the order of their making
-    std::map<int, const Object*> binderOf;          // by callback
-    std::vector<loadWithOffset*> formerRecords;     // gone; good for being refused
+    std::vector<std::unique_ptr<ModelledAnalysis>> objects;   // in the order of their making
+    std::map<int, const ModelledAnalysis*> binderOf;          // by callback
+    std::vector<loadWithOffset*> formerRecords;               // gone; good for being refused
     int lastId = 0;
     int scriptDepth = 0;
     bool modelled = true;
