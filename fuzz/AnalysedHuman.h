@@ -33,6 +33,3 @@ std::string keyOf(const qcSite* site);
 
 /// Whether an object has a property.
 bool hasProperty(const qcObject* object, const char* key);
-
-/// Sends what the analysis prints to nowhere: the fuzzer's own lines go to standard error.
-void silenceOutput();

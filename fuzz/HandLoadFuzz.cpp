@@ -208,12 +208,6 @@ void checkWaist(AnalysedHuman& human)
 
 }   // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    silenceOutput();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t size)
 {
     FuzzedDataProvider data(bytes, size);

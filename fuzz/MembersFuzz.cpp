@@ -38,12 +38,6 @@ SmallFigure smallHuman(const std::string& name)
 
 }   // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    silenceOutput();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t size)
 {
     static AnalysedHuman man(smallHuman("man").text()), child(smallHuman("child").text());
